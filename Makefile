@@ -1,0 +1,42 @@
+# Front door: `make play` builds and starts the engine, `make test` builds and
+# runs every test. Everything else is for developers.
+BUILD ?= build
+ASAN_BUILD ?= build-asan
+JOBS ?= 2
+
+.PHONY: all build play test test-asan bench perft deps clean
+
+all: build
+
+deps:
+	@scripts/install-deps.sh
+
+build: deps
+	@cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=Release >/dev/null
+	@cmake --build $(BUILD) -j$(JOBS)
+
+play: build
+	@$(BUILD)/morvane
+
+# The sanitizer pass runs the input-hardening tests first; the full suite
+# runs last so that its summary closes the output.
+test:
+	@scripts/install-deps.sh --test
+	@$(MAKE) --no-print-directory test-asan
+	@cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=Release >/dev/null
+	@cmake --build $(BUILD) -j$(JOBS)
+	@cd $(BUILD) && ctest --output-on-failure -j$(JOBS)
+
+test-asan:
+	@cmake -S . -B $(ASAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DMORVANE_SANITIZE=address >/dev/null
+	@cmake --build $(ASAN_BUILD) -j$(JOBS)
+	@$(ASAN_BUILD)/morvane_tests --gtest_brief=1 --gtest_filter='Fuzz*:Transcript*:Fen*:Edit*'
+
+bench: build
+	@$(BUILD)/bench
+
+perft: build
+	@$(BUILD)/perft "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -" 5
+
+clean:
+	rm -rf $(BUILD) $(ASAN_BUILD)

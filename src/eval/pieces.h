@@ -1,0 +1,23 @@
+#pragma once
+// Piece placement terms: development, queen placement, trapped pieces, rooks
+// on open files, minor pieces near their king, bishop pair, x-rays, heavy
+// pieces on the last ranks, outposts. All add to `positional`, except the
+// minor-to-king distance, which adds to `proximity`.
+
+#include "eval/terms.h"
+#include "search/searchboard.h"
+
+namespace eval {
+
+// Undeveloped pieces beside an unmoved rook, and the queen between the kings.
+void evaluateDevelopment(const search::NodeState& node, EvalTerms& terms);
+void evaluateTrappedPieces(const search::NodeState& node, EvalTerms& terms);
+void evaluateRookFiles(const search::NodeState& node, EvalTerms& terms);
+void evaluateMinorKingDistance(const search::NodeState& node, EvalTerms& terms);
+void evaluateBishopPair(const search::NodeState& node, EvalTerms& terms);
+void evaluateXrays(const search::NodeState& node, EvalTerms& terms);
+void evaluateHeavyOnLastRanks(const search::NodeState& node, EvalTerms& terms);
+// Reads the pawn attack masks of `terms`, so it runs after the pawns.
+void evaluateOutposts(const search::NodeState& node, EvalTerms& terms);
+
+}  // namespace eval

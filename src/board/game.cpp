@@ -91,15 +91,19 @@ void resetGame(Game& g) {
     p.pieceCount[0] = p.pieceCount[1] = 0;
     p.pawnCount[0] = p.pawnCount[1] = 0;
     p.fiftyCounter = 0;
-    g.historyCursor = -1;
     g.depthLimit = DefaultDepthLimit;
-    g.historyTop = -1;
-    if (g.historyCapacity > HistoryStartCapacity) resizeHistory(g, HistoryStartCapacity);
+    resetHistory(g);
     g.epSquare = 0;
     g.startedFromInitial = 1;
     g.resignCount = 0;
     g.resignLastScore = 0;
     std::srand(unsigned(std::time(nullptr)));
+}
+
+void resetHistory(Game& g) {
+    g.historyCursor = -1;
+    g.historyTop = -1;
+    if (g.historyCapacity > HistoryStartCapacity) resizeHistory(g, HistoryStartCapacity);
 }
 
 void rescanMoves(Game& g) {

@@ -88,6 +88,8 @@ constexpr int DefaultTimeLimit = 60;
 void initGame();
 
 void resetGame(Game& g);
+// Empties the history and brings its array back to the start capacity.
+void resetHistory(Game& g);
 void rescanMoves(Game& g);
 int makeGameMove(Game& g, Move move);
 int takeBackMove(Game& g);

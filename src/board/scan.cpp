@@ -26,6 +26,7 @@ struct ScanSide<White> {
     // The replier's castling: its constant and the squares that must be empty.
     static constexpr Move replyShort = BlackShortCastle;
     static constexpr Move replyLong = BlackLongCastle;
+    static constexpr int rookShortHome = H8, rookLongHome = A8;
     static constexpr int replyShortEmpty[2] = {F8, G8};
     static constexpr int replyLongEmpty[3] = {D8, C8, B8};
     static const MoveStep (&replyMoves())[5][64][MoveStepRoom] { return blackMoves; }
@@ -43,6 +44,7 @@ struct ScanSide<Black> {
     static constexpr int doubleFromRank = 6, doubleToRank = 4;
     static constexpr Move replyShort = WhiteShortCastle;
     static constexpr Move replyLong = WhiteLongCastle;
+    static constexpr int rookShortHome = H1, rookLongHome = A1;
     static constexpr int replyShortEmpty[2] = {F1, G1};
     static constexpr int replyLongEmpty[3] = {D1, C1, B1};
     static const MoveStep (&replyMoves())[5][64][MoveStepRoom] { return whiteMoves; }
@@ -267,10 +269,15 @@ int scan(Move* list, Move move, Position& position) {
         }
     }
 
-    if (w.castleState[castleShortIndex(side)] == CastleRight &&
+    // A set-up may grant a right to a king or rook that isn't at home; such a
+    // right must never move an empty square, so their places are checked too.
+    const bool kingHome = w.boardPiece[moveFrom(S::replyShort)] == idBase(side) + SlotKing;
+    if (kingHome && w.castleState[castleShortIndex(side)] == CastleRight &&
+        w.boardPiece[S::rookShortHome] == idBase(side) + SlotRookH &&
         w.boardPiece[S::replyShortEmpty[0]] == NoPiece && w.boardPiece[S::replyShortEmpty[1]] == NoPiece)
         *end++ = S::replyShort;
-    if (w.castleState[castleLongIndex(side)] == CastleRight && w.boardPiece[S::replyLongEmpty[0]] == NoPiece &&
+    if (kingHome && w.castleState[castleLongIndex(side)] == CastleRight &&
+        w.boardPiece[S::rookLongHome] == idBase(side) + SlotRookA && w.boardPiece[S::replyLongEmpty[0]] == NoPiece &&
         w.boardPiece[S::replyLongEmpty[1]] == NoPiece && w.boardPiece[S::replyLongEmpty[2]] == NoPiece)
         *end++ = S::replyLong;
     *end = NoMove;

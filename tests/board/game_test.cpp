@@ -44,10 +44,16 @@ void setup(const char* fen) { ASSERT_EQ(setupFromFen(game, fen), 0) << fen; }
 
 // The board fields agree with each other.
 void expectConsistent(const Game& g) {
-    for (int id = 0; id < 32; ++id)
-        if (g.pieceSquare[id] != NoSquare) EXPECT_EQ(g.boardPiece[g.pieceSquare[id]], id);
-    for (int sq = 0; sq < 64; ++sq)
-        if (g.boardPiece[sq] != NoPiece) EXPECT_EQ(g.pieceSquare[g.boardPiece[sq]], sq);
+    for (int id = 0; id < 32; ++id) {
+        if (g.pieceSquare[id] != NoSquare) {
+            EXPECT_EQ(g.boardPiece[g.pieceSquare[id]], id);
+        }
+    }
+    for (int sq = 0; sq < 64; ++sq) {
+        if (g.boardPiece[sq] != NoPiece) {
+            EXPECT_EQ(g.pieceSquare[g.boardPiece[sq]], sq);
+        }
+    }
 }
 
 }  // namespace
@@ -276,8 +282,12 @@ TEST(History, GrowsByFortyAndShrinksOnReset) {
     for (int i = 0; i < 640; ++i) {
         int r = play(cycle[i % 4]);
         ASSERT_TRUE(r == ResultOk || r == ResultRepetition || r == ResultFiftyMoves) << i;
-        if (i == 599) EXPECT_EQ(game.historyCapacity, 600);
-        if (i == 600) EXPECT_EQ(game.historyCapacity, 640);
+        if (i == 599) {
+            EXPECT_EQ(game.historyCapacity, 600);
+        }
+        if (i == 600) {
+            EXPECT_EQ(game.historyCapacity, 640);
+        }
     }
     EXPECT_EQ(game.historyCapacity, 640);
     newGame();

@@ -1,0 +1,7 @@
+#include "search/displayline.h"
+
+namespace search {
+
+board::Move displayLine[LineWords];
+
+}  // namespace search

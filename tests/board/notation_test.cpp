@@ -1,0 +1,169 @@
+// Short algebraic text of single moves and of the displayed variation, and
+// the coordinate variation; texts are compared exactly, blanks included.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <initializer_list>
+#include <string>
+
+#include "board/fen.h"
+#include "board/game.h"
+#include "board/movetext.h"
+#include "board/notation.h"
+#include "search/displayline.h"
+
+using namespace board;
+
+namespace {
+
+Move mv(const char* text, int side = White) {
+    std::string buffer(text);
+    return parseCoordinateMove(buffer.data(), side);
+}
+
+// The game's own move text for `move` in the position of the game.
+std::string san(const char* move) {
+    char text[64] = "";
+    formatSanFromList(text, sizeof text, mv(move, game.sideToMove), game.legalMoves, *game.position);
+    return text;
+}
+
+void setup(const char* fen) { ASSERT_EQ(setupFromFen(game, fen), 0) << fen; }
+
+// displayLine from coordinate texts, with a score in the upper half as the
+// think driver leaves it.
+void setLine(std::initializer_list<const char*> moves) {
+    int ply = 0;
+    int side = White;
+    for (const char* m : moves) {
+        search::displayLine[ply++] = (37 << 16) | mv(m, side);
+        side ^= 1;
+    }
+    search::displayLine[ply] = NoMove;
+}
+
+std::string sanLine(int mark) {
+    char text[VariationTextSize] = "";
+    formatVariationSan(text, sizeof text, 0, game.sideToMove, game.legalMoves, *game.position, mark);
+    return text;
+}
+
+std::string coordinateLine(int mark, std::size_t capacity = VariationTextSize) {
+    char text[VariationTextSize];
+    formatVariationCoordinate(text, capacity, mark);
+    return text;
+}
+
+}  // namespace
+
+TEST(San, DisambiguatesByFileThenByRank) {
+    setup("4k3/8/8/8/8/8/4K3/R6R w - -");
+    EXPECT_EQ(san("a1d1"), "Rad1 ");
+    EXPECT_EQ(san("h1d1"), "Rhd1 ");
+    EXPECT_EQ(san("a1a7"), "Ra7 ");
+
+    setup("4k3/8/8/8/8/R7/4K3/R7 w - -");
+    EXPECT_EQ(san("a1a2"), "R1a2 ");
+    EXPECT_EQ(san("a3a2"), "R3a2 ");
+    EXPECT_EQ(san("a3b3"), "Rb3 ");
+}
+
+TEST(San, PawnMovesCapturesEnPassantAndPromotion) {
+    setup("4k3/8/8/3p4/4P3/8/8/4K3 w - -");
+    EXPECT_EQ(san("e4d5"), "exd5 ");
+    EXPECT_EQ(san("e4e5"), "e5 ");
+
+    // En passant comes only from the scan of the double step.
+    setup("4k3/3p4/8/4P3/8/8/8/4K3 b - -");
+    ASSERT_EQ(makeGameMove(game, mv("d7d5")), ResultOk);
+    EXPECT_EQ(san("e5d6"), "exd6 ");
+
+    setup("3rk3/4P3/8/8/8/8/8/4K3 w - -");
+    EXPECT_EQ(san("e7d8q"), "exd8=Q ");
+    EXPECT_EQ(san("e7d8n"), "exd8=N ");
+    EXPECT_EQ(san("e7d8"), "");  // a promotion must name its piece
+    EXPECT_EQ(san("e1e2q"), "");  // and a plain move must not
+}
+
+TEST(San, CastlingPiecesAndMovesNotFound) {
+    setup("r3k2r/8/8/8/8/8/8/R3K2R w KQkq -");
+    EXPECT_EQ(san("e1g1"), "O-O ");
+    EXPECT_EQ(san("e1c1"), "O-O-O ");
+    EXPECT_EQ(san("a1a8"), "Rxa8 ");
+    EXPECT_EQ(san("e1f1"), "Kf1 ");
+    EXPECT_EQ(san("e1e3"), "");  // not in the list
+    EXPECT_EQ(san("d4d5"), "");  // nothing on the square
+
+    // What is not found, or doesn't fit, leaves the text as it was.
+    char text[8] = "ab";
+    formatSanPart(text, sizeof text, mv("g1f3"), Knight, false, 0);
+    EXPECT_STREQ(text, "abNf3 ");
+    formatSanPart(text, sizeof text, mv("g1f3"), Knight, false, 0);
+    EXPECT_STREQ(text, "abNf3 ");
+}
+
+TEST(VariationSan, MarkStandsBehindTheFirstBlank) {
+    resetGame(game);
+    rescanMoves(game);
+    setLine({"g1f3", "b8c6", "e2e4", "e7e5"});
+    EXPECT_EQ(sanLine(MarkFailHigh), "Nf3 !Nc6 e4 e5 ");
+    EXPECT_EQ(sanLine(MarkFailLow), "Nf3 ?Nc6 e4 e5 ");
+    EXPECT_EQ(sanLine(MarkNone), "Nf3 Nc6 e4 e5 ");
+
+    // Appends to what the caller has written.
+    char text[VariationTextSize] = "1 12 ";
+    formatVariationSan(text, sizeof text, 0, White, game.legalMoves, *game.position, MarkNone);
+    EXPECT_STREQ(text, "1 12 Nf3 Nc6 e4 e5 ");
+}
+
+TEST(VariationSan, EachMoveIsWrittenInItsOwnPosition) {
+    resetGame(game);
+    rescanMoves(game);
+    setLine({"e2e4", "d7d5", "e4d5", "d8d5", "b1c3", "d5a5", "g1f3", "g8f6", "f1c4", "c8g4", "e1g1"});
+    EXPECT_EQ(sanLine(MarkNone), "e4 d5 exd5 Qxd5 Nc3 Qa5 Nf3 Nf6 Bc4 Bg4 O-O ");
+
+    // A line with a move its position doesn't allow stops there.
+    setLine({"e2e4", "e7e5", "e4e5", "g8f6"});
+    EXPECT_EQ(sanLine(MarkNone), "e4 e5 ");
+
+    // Nothing follows a mate.
+    setLine({"f2f3", "e7e5", "g2g4", "d8h4", "g1f3"});
+    EXPECT_EQ(sanLine(MarkNone), "f3 e5 g4 Qh4 ");
+
+    // Black to move first: the line starts with Black's list.
+    setup("4k3/8/8/8/8/8/8/R3K3 b Q -");
+    search::displayLine[0] = mv("e8d7", Black);
+    search::displayLine[1] = mv("e1c1");
+    search::displayLine[2] = NoMove;
+    EXPECT_EQ(sanLine(MarkFailHigh), "Kd7 !O-O-O ");
+}
+
+TEST(VariationSan, AFullLineStopsAtFiftyNineMoves) {
+    resetGame(game);
+    rescanMoves(game);
+    const char* cycle[4] = {"g1f3", "g8f6", "f3g1", "f6g8"};
+    for (int ply = 0; ply < search::LineWords; ++ply) search::displayLine[ply] = mv(cycle[ply % 4], ply % 2);
+    const std::string text = sanLine(MarkFailHigh);
+    EXPECT_EQ(text.substr(0, 21), "Nf3 !Nf6 Ng1 Ng8 Nf3 ");
+    EXPECT_EQ(text.size(), 59u * 4 + 1);
+
+    const std::string coordinates = coordinateLine(MarkFailHigh);
+    EXPECT_EQ(coordinates.size(), 59u * 5 + 1);
+    EXPECT_EQ(coordinates.substr(coordinates.size() - 5), "f3g1 ");  // the 59th move
+}
+
+TEST(VariationCoordinate, MarkIsGluedToTheFirstMove) {
+    search::displayLine[0] = mv("e2e4");
+    search::displayLine[1] = mv("e7e5") | (5 << 16);
+    search::displayLine[2] = NoMove;
+    EXPECT_EQ(coordinateLine(MarkFailHigh), "e2e4! e7e5 ");
+    EXPECT_EQ(coordinateLine(MarkFailLow), "e2e4? e7e5 ");
+    EXPECT_EQ(coordinateLine(MarkNone), "e2e4 e7e5 ");
+    EXPECT_EQ(coordinateLine(MarkFailHigh, 8), "e2e4! ");  // whole moves only
+
+    search::displayLine[0] = mv("e7e8q");
+    search::displayLine[1] = NoMove;
+    EXPECT_EQ(coordinateLine(MarkNone), "e7e8Q ");
+    search::displayLine[0] = NoMove;
+    EXPECT_EQ(coordinateLine(MarkFailHigh), "");
+}

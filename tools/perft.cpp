@@ -15,6 +15,7 @@
 #include "board/game.h"
 #include "board/movetext.h"
 #include "board/perft.h"
+#include "search/searchperft.h"
 
 namespace {
 
@@ -51,15 +52,25 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "perft: illegal position (%d)\n", setup);
         return 1;
     }
-    if (searchMode) {
-        std::fprintf(stderr, "perft: --search is not available in this build\n");
-        return 2;
-    }
+    if (depth == 0) divide = false;  // no root moves to divide by
     const auto start = std::chrono::steady_clock::now();
     const board::Position& root = *board::game.position;
-    const std::uint64_t nodes =
-        divide ? board::perftGameDivide(root, board::game.sideToMove, board::game.legalMoves, int(depth), printDivide)
-               : board::perftGame(root, board::game.sideToMove, board::game.legalMoves, int(depth));
+    std::uint64_t nodes = 0;
+    if (searchMode && divide) {
+        board::Move moves[board::MoveListSize];
+        std::uint64_t counts[board::MoveListSize];
+        const int n = search::searchPerftDivide(root, board::game.sideToMove, int(depth), moves, counts);
+        for (int i = 0; i < n; ++i) {
+            printDivide(moves[i], counts[i]);
+            nodes += counts[i];
+        }
+    } else if (searchMode) {
+        nodes = search::searchPerft(root, board::game.sideToMove, int(depth));
+    } else {
+        nodes = divide ? board::perftGameDivide(root, board::game.sideToMove, board::game.legalMoves, int(depth),
+                                                printDivide)
+                       : board::perftGame(root, board::game.sideToMove, board::game.legalMoves, int(depth));
+    }
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     std::fprintf(stderr, "Time: %.3f s, %.0f nodes/s\n", seconds, seconds > 0 ? nodes / seconds : 0.0);
     std::printf("Nodes: %" PRIu64 "\n", nodes);

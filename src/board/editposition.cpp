@@ -16,14 +16,14 @@ constexpr int EditLineSize = 64;
 // One line, cut at the line feed (and a carriage return) and folded to
 // upper case; false at the end of input.
 bool readEditLine(std::FILE* input, char* line) {
-    if (std::fgets(line, EditLineSize, input) == nullptr) return false;
-    const std::size_t length = std::strlen(line);
-    if (length > 0 && line[length - 1] != '\n') {
-        int c;
-        while ((c = std::fgetc(input)) != EOF && c != '\n') {
-        }
-    }
-    line[std::strcspn(line, "\r\n")] = '\0';
+    // Read byte by byte: a NUL inside the line must not hide its line feed.
+    int c = std::fgetc(input);
+    if (c == EOF) return false;
+    int length = 0;
+    for (; c != EOF && c != '\n'; c = std::fgetc(input))
+        if (length < EditLineSize - 1) line[length++] = char(c);
+    line[length] = '\0';
+    line[std::strcspn(line, "\r")] = '\0';
     for (char* p = line; *p; ++p)
         if (*p >= 'a' && *p <= 'z') *p = char(*p - 'a' + 'A');
     return true;

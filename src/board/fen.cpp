@@ -289,6 +289,9 @@ int finishSetup(Game& g, int side) {
     }
     const int result = scanMovesOf(side, g.legalMoves, *g.position);
     if (result & scanNoContinuation) g.gameOver = GameSetupNoMove;
+    // An illegal position leaves the list untouched; the old position's
+    // moves must not be playable on the new board.
+    if (result & scanIllegal) g.legalMoves[0] = NoMove;
     return result & scanIllegal;
 }
 

@@ -171,6 +171,7 @@ int makeGameMove(Game& g, Move move) {
     }
     const Move word = *found & LowMoveMask;
     Position& p = *g.position;
+    if (g.boardPiece[moveFrom(word)] == NoPiece) return ResultNotInList;  // a stale list never moves nothing
 
     const int savedTop = g.historyTop, savedCursor = g.historyCursor;
     const int savedEp = g.epSquare, savedFifty = p.fiftyCounter;

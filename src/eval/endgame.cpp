@@ -1,5 +1,6 @@
-// Ending terms: the pawnless ending in full; the passed pawn and king terms
-// are placeholders that add nothing yet.
+// Endings without pawns: dead material, the drive of the lone king, and the
+// material signatures that usually draw. The passed pawn terms of the
+// endings live in passerterms.cpp.
 
 #include "eval/endgame.h"
 
@@ -11,11 +12,6 @@
 namespace eval {
 
 using board::Color;
-
-// Placeholders until the passed pawn terms land.
-void evaluateKingRace(const search::NodeState& node, EvalTerms& terms) {}
-void evaluateKingToPawns(const search::NodeState& node, EvalTerms& terms) {}
-void evaluatePasserEndgame(const search::NodeState& node, EvalTerms& terms) {}
 
 namespace {
 

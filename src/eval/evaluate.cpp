@@ -15,6 +15,8 @@
 
 namespace eval {
 
+EvalTerms* evalTrace = nullptr;
+
 namespace {
 
 // Non-pawn material of the start position in pawns: the scale on which the
@@ -66,6 +68,7 @@ int evaluate(int blackToMove, const search::NodeState& node) {
         evaluatePawnEnding(blackToMove, node, terms);
     else
         evaluateFull(phaseClass, blackToMove, node, terms);
+    if (evalTrace != nullptr) *evalTrace = terms;
     return assembleScore(terms, node, blackToMove);
 }
 

@@ -12,6 +12,10 @@ constexpr int EvalLimit = 32000;
 constexpr int ZeroEvaluation = -2;
 constexpr int TempoBonus = 80;
 
+// When set, evaluate copies its groups here before weighing them, for the
+// evaltrace tool and the tests. Null in play, where it costs one test.
+extern EvalTerms* evalTrace;
+
 // The score for the side to move of the node on searchBoard, within
 // -32000..32000. Runs every term of the node's phase class; changes nothing
 // but the pawn hash and allocates nothing.

@@ -10,8 +10,9 @@ namespace eval {
 int evaluateKingSafety(const search::NodeState& node);
 // 0 if the defender has a pawn on `file`, else the attacker's heavy pieces
 // (queen slot 1, rook slots 2 and 3) on it, at most 2.
-int heavyOnFile(int file, board::Color attacker);
-// The worth of the pawn cover of a king of `defender` standing on `square`.
+int heavyOnFile(int file, board::Color attacker, const search::NodeState& node);
+// The worth of the pawn cover of a king of `defender` standing on `square`,
+// from the pawns on searchBoard.
 int kingShelter(int square, board::Color defender);
 
 }  // namespace eval

@@ -3,6 +3,7 @@
 // the uncatchable passer, behind the pawn hash.
 
 #include "eval/terms.h"
+#include "search/hashtable.h"
 #include "search/searchboard.h"
 
 namespace eval {
@@ -10,5 +11,12 @@ namespace eval {
 // Returns the pawn score and fills the best passers and the pawn attack
 // masks of `terms`. Reads and writes the pawn hash.
 int evaluatePawns(const search::NodeState& node, int blackToMove, EvalTerms& terms);
+
+// The same result computed from the board, with no look at the pawn hash and
+// nothing stored: what a hit must reproduce.
+int computePawns(const search::NodeState& node, int blackToMove, EvalTerms& terms);
+
+// The pawn hash slot of this node and side to move; null without a table.
+search::PawnHashEntry* pawnHashSlot(const search::NodeState& node, int blackToMove);
 
 }  // namespace eval

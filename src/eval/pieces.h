@@ -5,13 +5,13 @@
 // minor-to-king distance, which adds to `proximity`.
 
 #include "eval/terms.h"
+#include "eval/trapped.h"
 #include "search/searchboard.h"
 
 namespace eval {
 
 // Undeveloped pieces beside an unmoved rook, and the queen between the kings.
 void evaluateDevelopment(const search::NodeState& node, EvalTerms& terms);
-void evaluateTrappedPieces(const search::NodeState& node, EvalTerms& terms);
 void evaluateRookFiles(const search::NodeState& node, EvalTerms& terms);
 void evaluateMinorKingDistance(const search::NodeState& node, EvalTerms& terms);
 void evaluateBishopPair(const search::NodeState& node, EvalTerms& terms);

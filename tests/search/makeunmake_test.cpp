@@ -1,0 +1,247 @@
+// Make and unmake over whole trees: the board comes back bit for bit, and
+// every field that make keeps incrementally equals what the driver's fresh
+// set-up computes for the same position.
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "board/movetext.h"
+#include "eval/phase.h"
+#include "eval/pst.h"
+#include "search/make.h"
+#include "search/movegen.h"
+#include "search/searchroot.h"
+
+namespace {
+
+using namespace board;
+using namespace search;
+
+// Kinds of move the walk must meet at least once across the suite.
+enum MoveKind { Quiet, Capture, EnPassant, WhiteShort, WhiteLong, BlackShort, BlackLong,
+                PromoQueen, PromoRook, PromoBishop, PromoKnight, CapturePromoted, KindCount };
+const char* const kindNames[KindCount] = {"quiet", "capture", "en passant", "white O-O", "white O-O-O",
+                                          "black O-O", "black O-O-O", "=Q", "=R", "=B", "=N",
+                                          "capture of a promoted piece"};
+std::uint64_t kindsSeen[KindCount];
+
+struct TreeCheck {
+    std::int32_t rootPstWhite[6][64];
+    std::int32_t rootPstBlack[7][64];
+    int failures = 0;
+    std::string firstFailure;
+
+    void fail(const std::string& what, Move m) {
+        if (failures++ == 0) {
+            char text[8];
+            formatCoordinateMove(m, text);
+            firstFailure = what + " after " + text;
+        }
+    }
+
+    // The driver's path on the position now on searchBoard: a Position,
+    // keys, setupEvaluation, buildNodeState, setPromotedMask; pstScore summed
+    // with the root's tables, since the set-up blends its own.
+    NodeState fresh(const NodeState& node) {
+        Position p{};
+        std::memcpy(p.pieceSquare, searchBoard.pieceSquare, sizeof p.pieceSquare);
+        std::memcpy(p.boardPiece, searchBoard.boardPiece, sizeof p.boardPiece);
+        std::memcpy(p.pieceType, searchBoard.pieceType, sizeof p.pieceType);
+        for (int i = 0; i < 4; ++i) p.castleState[i] = node.castleState[i];
+        computeKeys(p);
+        eval::setupEvaluation(p);
+        std::memcpy(eval::pstWhite, rootPstWhite, sizeof rootPstWhite);
+        std::memcpy(eval::pstBlack, rootPstBlack, sizeof rootPstBlack);
+        const SearchBoard kept = searchBoard;
+        NodeState f;
+        buildNodeState(f, p);
+        setPromotedMask(f, p);
+        if (std::memcmp(&kept, &searchBoard, sizeof kept) != 0) fail("board arrays differ from a fresh set-up", 0);
+        searchBoard = kept;
+        f.pstScore = 0;
+        for (int id = 0; id < 32; ++id) {
+            const int sq = p.pieceSquare[id];
+            if (sq != NoSquare) f.pstScore += id < 16 ? eval::pstWhite[p.pieceType[id]][sq] : -eval::pstBlack[p.pieceType[id]][sq];
+        }
+        return f;
+    }
+
+    void compare(const NodeState& parent, const NodeState& node, Move m, int captured) {
+        const NodeState f = fresh(node);
+        if (std::memcmp(f.hashKey, node.hashKey, 8) != 0) fail("hashKey", m);
+        if (std::memcmp(f.pawnKey, node.pawnKey, 8) != 0) fail("pawnKey", m);
+        if (std::memcmp(f.pieceCount, node.pieceCount, 8) != 0) fail("pieceCount/pawnCount", m);
+        if (std::memcmp(f.materialTotal, node.materialTotal, 4) != 0) fail("materialTotal", m);
+        if (f.materialBalance != node.materialBalance) fail("materialBalance", m);
+        if (f.pstScore != node.pstScore) fail("pstScore", m);
+        if (std::memcmp(f.pawnFiles, node.pawnFiles, 2) != 0) fail("pawnFiles", m);
+        if (f.promotedMask != node.promotedMask) fail("promotedMask", m);
+        const bool rephased = captured != NoPiece || isPromotion(m);
+        if (node.phaseClass != (rephased ? eval::shortPhaseClass(f) : parent.phaseClass)) fail("phaseClass", m);
+    }
+
+    // The capture generator lists exactly the captures and queen promotions
+    // of the full generator, without marks.
+    template <Color C>
+    void compareCaptures(const Move* all, const Move* captures) {
+        using S = SearchSide<C>;
+        int expected = 0, found = 0;
+        for (const Move* w = all; *w; ++w) {
+            const int target = searchBoard.boardPiece[moveTo(*w)];
+            const bool takes = (target != NoPiece && !S::owns(target)) || moveSpecial(*w) == SpecialEnPassant;
+            if (isPromotion(*w) ? moveSpecial(*w) == SpecialPromoteQueen : takes) ++expected;
+        }
+        for (const Move* w = captures; *w; ++w) {
+            ++found;
+            bool listed = false;
+            for (const Move* a = all; *a; ++a) listed |= ((*a ^ *w) & 0x7fff) == 0;
+            if (!listed || (*w & CaptureMark)) fail("capture generator word", *w);
+        }
+        if (found != expected) fail("capture generator count", 0);
+    }
+
+    void classify(Move m, int captured, int capturedType) {
+        const int special = moveSpecial(m);
+        if (special == SpecialEnPassant) ++kindsSeen[EnPassant];
+        else if (m == WhiteShortCastle && special) ++kindsSeen[WhiteShort];
+        else if (m == WhiteLongCastle && special) ++kindsSeen[WhiteLong];
+        else if (m == BlackShortCastle && special) ++kindsSeen[BlackShort];
+        else if (m == BlackLongCastle && special) ++kindsSeen[BlackLong];
+        else if (special >= SpecialPromoteQueen) ++kindsSeen[PromoQueen + special - SpecialPromoteQueen];
+        else if (captured != NoPiece) ++kindsSeen[Capture];
+        else ++kindsSeen[Quiet];
+        if (captured != NoPiece && (captured & 15) >= SlotPawnA && !isPawnType(capturedType))
+            ++kindsSeen[CapturePromoted];
+    }
+
+    template <Color C>
+    void walk(const NodeState& parent, Move parentMove, int depth) {
+        constexpr Color them = SearchSide<C>::them;
+        Move list[MoveListSize], captures[MoveListSize];
+        generateAllOf<C>(list, moveFrom(parentMove), moveTo(parentMove), checkerOf<C>(), parent, MoveListSize);
+        if constexpr (C == White) generateCapturesWhite(captures, moveFrom(parentMove), moveTo(parentMove), MoveListSize);
+        else generateCapturesBlack(captures, moveFrom(parentMove), moveTo(parentMove), MoveListSize);
+        compareCaptures<C>(list, captures);
+        for (const Move* m = list; *m && failures == 0; ++m) {
+            if (searchBoard.boardPiece[moveTo(*m)] == SearchSide<them>::kingId) {
+                fail("a king capture in a legal position", *m);
+                break;
+            }
+            const SearchBoard before = searchBoard;
+            const int victimType = searchBoard.pieceType[searchBoard.boardPiece[
+                moveSpecial(*m) == SpecialEnPassant ? moveTo(*m) - SearchSide<C>::up : moveTo(*m)]];
+            NodeState node = parent;
+            const int captured = makeMoveOf<C>(node, *m);
+            if (!leavesKingAttacked<C>(*m)) {
+                compare(parent, node, *m, captured);
+                classify(*m, captured, victimType);
+                if (depth > 1) walk<them>(node, *m, depth - 1);
+            }
+            unmakeMoveOf<C>(*m, captured);
+            if (std::memcmp(&before, &searchBoard, sizeof before) != 0) fail("searchBoard not restored", *m);
+        }
+    }
+
+    void run(const char* fen, int depth) {
+        const NodeState root = searchRoot(fen);
+        std::memcpy(rootPstWhite, eval::pstWhite, sizeof rootPstWhite);
+        std::memcpy(rootPstBlack, eval::pstBlack, sizeof rootPstBlack);
+        const NodeState f = fresh(root);
+        if (std::memcmp(&f.hashKey, &root.hashKey, 8) != 0 || f.pstScore != root.pstScore) fail("root", 0);
+        if (game.sideToMove == White) walk<White>(root, NoMove, depth);
+        else walk<Black>(root, NoMove, depth);
+        EXPECT_EQ(failures, 0) << fen << ": " << firstFailure;
+    }
+};
+
+TEST(MakeUnmake, IncrementalFieldsMatchAFreshSetUpOverWholeTrees) {
+    const struct {
+        const char* fen;
+        int depth;
+    } cases[] = {
+        {"rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -", 3},
+        {"r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq -", 3},
+        {"8/2p5/3p4/KP5r/1R3p1k/8/4P1P1/8 w - -", 4},
+        {"r3k2r/Pppp1ppp/1b3nbN/nP6/BBP1P3/q4N2/Pp1P2PP/R2Q1RK1 w kq -", 3},
+        {"r2q1rk1/pP1p2pp/Q4n2/bbp1p3/Np6/1B3NBn/pPPP1PPP/R3K2R b KQ -", 3},
+        {"rnbq1k1r/pp1Pbppp/2p5/8/2B5/8/PPP1NnPP/RNBQK2R w KQ -", 3},
+        {"n1n5/PPPk4/8/8/8/8/4Kppp/5N1N b - -", 4},
+        {"1q2k3/8/8/8/8/8/8/QQ2K3 b - -", 3},  // a queen in a pawn slot
+        {"r3k2r/8/8/8/8/8/8/R3K2R b KQkq -", 3},
+    };
+    std::memset(kindsSeen, 0, sizeof kindsSeen);
+    for (const auto& c : cases) {
+        TreeCheck check;
+        check.run(c.fen, c.depth);
+    }
+    for (int k = 0; k < KindCount; ++k) EXPECT_GT(kindsSeen[k], 0u) << "never met: " << kindNames[k];
+}
+
+// The generator offers castling through an attacked square; the child's
+// legality test refuses it, while the other castling stays legal.
+TEST(MakeUnmake, CastlingThroughAttackedSquareIsRefusedByTheChild) {
+    NodeState root = searchRoot("4k3/8/8/8/8/8/5r2/R3K2R w KQ -");
+    Move list[MoveListSize];
+    generateAllWhite(list, 0, 0, checkerOfWhiteKing(), root, MoveListSize);
+    bool offeredShort = false, offeredLong = false;
+    for (const Move* m = list; *m; ++m) {
+        offeredShort |= *m == WhiteShortCastle;
+        offeredLong |= *m == WhiteLongCastle;
+    }
+    ASSERT_TRUE(offeredShort && offeredLong);
+    for (Move m : {WhiteShortCastle, WhiteLongCastle}) {
+        NodeState node = root;
+        const int captured = makeMoveWhite(node, m);
+        EXPECT_EQ(moveIsIllegalWhite(m), m == WhiteShortCastle);
+        unmakeMoveWhite(m, captured);
+    }
+}
+
+// The check test names the first White attacker by id, kings not asked.
+TEST(MakeUnmake, CheckTestNamesTheFirstAttacker) {
+    searchRoot("4k3/8/3N4/8/8/8/8/4R1K1 b - -");  // double check by rook and knight
+    const int rook = searchBoard.boardPiece[squareOf("e1")];
+    ASSERT_LT(rook, searchBoard.boardPiece[squareOf("d6")]);
+    EXPECT_EQ(checkerOfBlackKing(), rook);
+    searchRoot("4k3/8/8/8/8/8/8/4K3 b - -");
+    EXPECT_EQ(checkerOfBlackKing(), 0);
+}
+
+// A node's history entry: key, move, side and irreversible bits, while the
+// captured-id bits stay; fiftyCounter restarts at an irreversible or null move.
+TEST(MakeUnmake, HistoryEntryRecordsTheNodesMove) {
+    NodeState node = searchRoot("4k3/8/8/8/8/8/4P3/4K1N1 w - -");
+    node.fiftyCounter = 7;
+    node.ply = 1;
+    GameHistoryEntry& entry = game.history[game.historyTop + 1];
+    entry.flags = 0x15;
+
+    const Move knight = makeMove(squareOf("g1"), squareOf("f3"));
+    NodeState child = node;
+    int captured = makeMoveWhite(child, knight);
+    recordHistoryWhite(child, knight, captured);
+    EXPECT_EQ(entry.keyHigh, child.hashKey[1]);
+    EXPECT_EQ(entry.move, knight);
+    EXPECT_EQ(entry.flags, 0x15 | HistorySideToMove);
+    EXPECT_EQ(child.fiftyCounter, 8);
+    EXPECT_EQ(child.lastMove, std::uint32_t(knight) | NoPiece << 16);
+    unmakeMoveWhite(knight, captured);
+
+    const Move push = makeMove(squareOf("e2"), squareOf("e4"));
+    child = node;
+    captured = makeMoveWhite(child, push);
+    recordHistoryWhite(child, push, captured);
+    EXPECT_EQ(entry.flags, 0x15 | HistorySideToMove | HistoryIrreversible);
+    EXPECT_EQ(child.fiftyCounter, 0);
+    unmakeMoveWhite(push, captured);
+
+    child = node;
+    recordHistoryBlack(child, NoMove, NoPiece);
+    EXPECT_EQ(entry.move, 0);
+    EXPECT_EQ(entry.flags, 0x15);
+    EXPECT_EQ(child.fiftyCounter, 0);
+}
+
+}  // namespace

@@ -130,13 +130,10 @@ void recordSetup(Game& g, int side) {
     copyGameToPosition(g, p);
 }
 
-// What setupFromFenChecked puts back when a set-up fails.
+// What setupFromFenChecked puts back when a set-up fails. The Game's board
+// fields travel in a Position, as they do between Game and scan.
 struct GameSnapshot {
-    std::int32_t pieceSquare[32];
-    std::int32_t boardPiece[64];
-    std::int32_t pieceType[33];
-    std::int32_t pieceValue[33];
-    std::int32_t castleState[4];
+    Position board;
     std::int32_t sideToMove, historyCursor, historyTop, gameOver, epSquare;
     Position position;
     Move legalMoves[MoveListSize];
@@ -145,41 +142,27 @@ struct GameSnapshot {
 
 // Copies what a failed set-up may have changed.
 void takeSnapshot(const Game& g, GameSnapshot& s) {
-    std::memcpy(s.pieceSquare, g.pieceSquare, sizeof s.pieceSquare);
-    std::memcpy(s.boardPiece, g.boardPiece, sizeof s.boardPiece);
-    std::memcpy(s.pieceType, g.pieceType, sizeof s.pieceType);
-    std::memcpy(s.pieceValue, g.pieceValue, sizeof s.pieceValue);
-    std::memcpy(s.castleState, g.castleState, sizeof s.castleState);
+    copyGameToPosition(g, s.board);
     s.sideToMove = g.sideToMove;
     s.historyCursor = g.historyCursor;
     s.historyTop = g.historyTop;
     s.gameOver = g.gameOver;
     s.epSquare = g.epSquare;
     s.position = *g.position;
-    // Up to and with the end word: the list is 0-terminated.
-    int n = 0;
-    while (n < MoveListSize - 1 && g.legalMoves[n] != NoMove) ++n;
-    std::memcpy(s.legalMoves, g.legalMoves, n * sizeof(Move));
-    s.legalMoves[n] = NoMove;
+    std::memcpy(s.legalMoves, g.legalMoves, sizeof s.legalMoves);
     if (g.startFen != nullptr) std::memcpy(s.startFen, g.startFen, StartFenSize);
 }
 
 // Puts the game back as takeSnapshot found it.
 void restoreSnapshot(Game& g, const GameSnapshot& s) {
-    std::memcpy(g.pieceSquare, s.pieceSquare, sizeof s.pieceSquare);
-    std::memcpy(g.boardPiece, s.boardPiece, sizeof s.boardPiece);
-    std::memcpy(g.pieceType, s.pieceType, sizeof s.pieceType);
-    std::memcpy(g.pieceValue, s.pieceValue, sizeof s.pieceValue);
-    std::memcpy(g.castleState, s.castleState, sizeof s.castleState);
+    copyPositionToGame(g, s.board);
     g.sideToMove = s.sideToMove;
     g.historyCursor = s.historyCursor;
     g.historyTop = s.historyTop;
     g.gameOver = s.gameOver;
     g.epSquare = s.epSquare;
     *g.position = s.position;
-    int n = 0;
-    while (s.legalMoves[n] != NoMove) ++n;
-    std::memcpy(g.legalMoves, s.legalMoves, (n + 1) * sizeof(Move));
+    std::memcpy(g.legalMoves, s.legalMoves, sizeof s.legalMoves);
     if (g.startFen != nullptr) std::memcpy(g.startFen, s.startFen, StartFenSize);
 }
 

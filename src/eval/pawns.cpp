@@ -99,7 +99,7 @@ int structurePenalty(const Structure& s) {
         }
         const int x = own.rear[f];
         const bool behindNeighbours = (!left || x > own.rear[f - 1]) && (!right || x > own.rear[f + 1]);
-        const bool stopSquareHeld = x == their.front[f] + 1 || false ||
+        const bool stopSquareHeld = x == their.front[f] + 1 || (left && x == their.front[f - 1] + 2) ||
                                     (right && x == their.front[f + 1] + 2);
         if (behindNeighbours && stopSquareHeld) ++backward;
     }

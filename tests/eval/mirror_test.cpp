@@ -23,9 +23,16 @@ namespace {
 // (the bishop colour of a slot, knight and rook slots, pawns that never
 // moved, promoted pieces in pawn slots) then see the same piece in the mirror.
 // A mirror made through a FEN wouldn't do: the set-up fills slots in reading
-// order, rank 8 first, so two knights on one wing, a third minor piece or a
+// order, rank 8 first, so two rooks or knights on one wing, an extra piece or a
 // doubled pawn can land in other slots than their mirror images, and the
 // slot-read patterns differ for reasons of set-up, not of evaluation.
+//
+// No position needs an exception. The terms that look one-sided are mirror
+// images after all: Black's passers are looked up in the knight table with
+// both squares mirrored, the light-squared bishop slots are f1's and c8's,
+// which the mirror maps onto each other, ties between passers go to the file
+// nearer a for both colours (files don't move in the mirror), and the uneven
+// slots of the pawn hash follow the side to move, which is swapped too.
 Position mirrored(const Position& p) {
     Position m = p;
     for (int sq = 0; sq < 64; ++sq)

@@ -30,7 +30,7 @@ test:
 test-asan:
 	@cmake -S . -B $(ASAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DMORVANE_SANITIZE=address >/dev/null
 	@cmake --build $(ASAN_BUILD) -j$(JOBS)
-	@$(ASAN_BUILD)/morvane_tests --gtest_brief=1 --gtest_filter='Fuzz*:Transcript*:Fen*:Edit*'
+	@$(ASAN_BUILD)/morvane_tests --gtest_brief=1 --gtest_filter='*Fuzz*:*Transcript*:Fen*:Edit*'
 
 bench: build
 	@$(BUILD)/bench

@@ -17,6 +17,7 @@
 #include "board/game.h"
 #include "board/movetext.h"
 #include "book/book.h"
+#include "eval/pawns.h"
 #include "frontend/commandloop.h"
 #include "search/hashtable.h"
 #include "search/movegen.h"
@@ -135,6 +136,8 @@ int main(int argc, char** argv) {
     const double cpuMs = 1000.0 * double(std::clock() - cpuStart) / CLOCKS_PER_SEC;
     std::printf("\nTotal time (ms): %.0f\n", totalMs);
     std::printf("Processor time (ms): %.0f (%" PRIu64 " nodes/s)\n", cpuMs, perSecond(totalNodes, cpuMs));
+    std::printf("Pawn hash hits: %" PRIu64 " of %" PRIu64 " (%.1f%%)\n", eval::pawnHashHits, eval::pawnHashProbes,
+                eval::pawnHashProbes ? 100.0 * double(eval::pawnHashHits) / double(eval::pawnHashProbes) : 0.0);
     std::printf("Nodes searched: %" PRIu64 "\n", totalNodes);
     std::printf("Nodes/second: %" PRIu64 "\n", perSecond(totalNodes, totalMs));
     return 0;

@@ -211,9 +211,13 @@ int computePawns(const search::NodeState& node, int blackToMove, EvalTerms& term
     return white.score - black.score - structurePenalty<board::White>(s) + structurePenalty<board::Black>(s);
 }
 
+std::uint64_t pawnHashProbes = 0;
+std::uint64_t pawnHashHits = 0;
+
 // Most calls end with the probe. The stored score is the raw structure
 // score; what the ending terms do to a node's copy never comes back here.
 int evaluatePawns(const search::NodeState& node, int blackToMove, EvalTerms& terms) {
+    ++pawnHashProbes;
     const std::uint32_t keyHigh = node.pawnKey[1];
     const std::uint16_t keyMid = std::uint16_t(node.pawnKey[0] >> 16);
     PawnHashEntry* e = pawnHashSlot(node, blackToMove);
@@ -223,6 +227,7 @@ int evaluatePawns(const search::NodeState& node, int blackToMove, EvalTerms& ter
         terms.bestBlackPasser = packedField(e->packed, search::PackedBlackPasserShift, 63);
         terms.whitePawnAttacks = e->whiteAttacks;
         terms.blackPawnAttacks = e->blackAttacks;
+        ++pawnHashHits;
         return e->score;
     }
     const int score = computePawns(node, blackToMove, terms);

@@ -2,11 +2,17 @@
 // Pawn structure: passed, connected, doubled, isolated and backward pawns and
 // the uncatchable passer, behind the pawn hash.
 
+#include <cstdint>
+
 #include "eval/terms.h"
 #include "search/hashtable.h"
 #include "search/searchboard.h"
 
 namespace eval {
+
+// Probe statistics, for bench; written only by the thread that searches.
+extern std::uint64_t pawnHashProbes;
+extern std::uint64_t pawnHashHits;
 
 // Returns the pawn score and fills the best passers and the pawn attack
 // masks of `terms`. Reads and writes the pawn hash.

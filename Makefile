@@ -4,7 +4,7 @@ BUILD ?= build
 ASAN_BUILD ?= build-asan
 JOBS ?= 2
 
-.PHONY: all build play test test-asan bench perft deps clean
+.PHONY: all build play test test-asan bench perft match deps clean
 
 all: build
 
@@ -22,6 +22,7 @@ play: build
 # runs last so that its summary closes the output.
 test:
 	@scripts/install-deps.sh --test
+	@scripts/install-match-deps.sh
 	@$(MAKE) --no-print-directory test-asan
 	@cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=Release >/dev/null
 	@cmake --build $(BUILD) -j$(JOBS)
@@ -37,6 +38,10 @@ bench: build
 
 perft: build
 	@$(BUILD)/perft "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -" 5
+
+# 10 games at 10+0.1 against fairymax through xboard: 5 as xboard engine, 5 as UCI.
+match: build
+	@scripts/match.sh $(BUILD)
 
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD)

@@ -6,7 +6,8 @@
 // opening is played once with each colour. The report lists every game,
 // the score, the Elo difference with its 95% error bar and every abnormal
 // ending, and closes with "Score: W-D-L" from the engine's side. Exit code 0
-// when the match was played, whatever the score; 1 when it couldn't be.
+// when the match was played, whatever the score; 1 when it couldn't be, with
+// the reason; 2 for a bad command line.
 
 #include <signal.h>
 #include <stdlib.h>
@@ -118,13 +119,11 @@ struct GameReport {
 
 // The script xboard (or polyglot) starts as an engine: the wrapper around
 // the real command, so xboard never has to quote it.
-std::string writeEngineScript(const MatchSetup& setup, const std::string& path, const std::string& statusFile,
-                              const std::string& command) {
+void writeEngineScript(const MatchSetup& setup, const std::string& path, const std::string& statusFile,
+                       const std::string& command) {
     std::string script = "#!/bin/sh\nexec " + shellQuote(setup.self) + " --wrap-engine " + shellQuote(statusFile) +
                          " " + shellQuote(command) + "\n";
-    if (!writeFile(path, script)) return "";
-    chmod(path.c_str(), 0755);
-    return path;
+    if (writeFile(path, script)) chmod(path.c_str(), 0755);
 }
 
 std::vector<std::string> xboardEnvironment(const MatchSetup& setup) {
@@ -142,31 +141,23 @@ std::vector<std::string> xboardEnvironment(const MatchSetup& setup) {
     return env;
 }
 
-// Plays game `index` (0-based) and gathers what it left behind.
-GameReport playGame(const MatchSetup& setup, int index) {
-    GameReport report;
-    const Options& o = setup.options;
-    report.engineWhite = index % 2 == 0;
-    const Opening& opening = setup.openings[(index / 2) % setup.openings.size()];
-    const Player& white = report.engineWhite ? setup.engine : setup.opponent;
-    const Player& black = report.engineWhite ? setup.opponent : setup.engine;
-    std::string prefix = setup.workDirectory + "/game" + std::to_string(index + 1);
-    std::string pgnFile = prefix + ".pgn", debugFile = prefix + ".debug", consoleFile = prefix + ".console";
-    std::string firstStatus = prefix + "-first.status", secondStatus = prefix + "-second.status";
-    std::string firstScript = writeEngineScript(setup, prefix + "-first.sh", firstStatus, white.command);
-    std::string secondScript = writeEngineScript(setup, prefix + "-second.sh", secondStatus, black.command);
-
-    const TimeControl& tc = o.timeControl;
+// xboard's command line for one game: a one-game match in which the first
+// engine plays White, from the opening file, at the match's clock, with the
+// flag called by xboard itself and nothing pondering on the shared cores.
+std::vector<std::string> xboardArguments(const MatchSetup& setup, const Player& white, const Player& black,
+                                         const Opening& opening, const std::string& prefix) {
+    const TimeControl& tc = setup.options.timeControl;
     char clock[32];
     std::snprintf(clock, sizeof clock, "%d:%02d", tc.baseSeconds / 60, tc.baseSeconds % 60);
     // This xboard is a GTK build: it takes its display from $DISPLAY only.
     std::vector<std::string> args = {setup.xboard,
-        "-fcp", firstScript, "-scp", secondScript, "-fd", setup.workDirectory, "-sd", setup.workDirectory,
-        "-fn", white.label, "-sn", black.label,
+        "-fcp", prefix + "-first.sh", "-scp", prefix + "-second.sh", "-fd", setup.workDirectory,
+        "-sd", setup.workDirectory, "-fn", white.label, "-sn", black.label,
         "-firstIsUCI", white.uci ? "true" : "false", "-secondIsUCI", black.uci ? "true" : "false",
         "-tc", clock, "-inc", tc.incrementText, "-mg", "1", "-xexit", "-autoCallFlag", "true",
-        "-ponderNextMove", "false", "-saveGameFile", pgnFile, "-debugMode", "true", "-nameOfDebugFile", debugFile,
-        "-saveSettingsOnExit", "false", "-soundMove", "", "-soundProgram", "true", "-timeDelay", "0"};
+        "-ponderNextMove", "false", "-saveGameFile", prefix + ".pgn", "-debugMode", "true",
+        "-nameOfDebugFile", prefix + ".debug", "-saveSettingsOnExit", "false",
+        "-soundMove", "", "-soundProgram", "true", "-timeDelay", "0"};
     if (!setup.polyglot.empty())
         args.insert(args.end(), {"-adapterCommand", setup.polyglot + " -noini -ec \"%fcp\" -ed \"%fd\""});
     if (!opening.fen.empty()) {
@@ -176,20 +167,80 @@ GameReport playGame(const MatchSetup& setup, int index) {
         writeFile(prefix + "-opening.pgn", openingPgn(opening));
         args.insert(args.end(), {"-lgf", prefix + "-opening.pgn", "-lgi", "1"});
     }
+    return args;
+}
+
+// Adds a finding unless the same text is already there (xboard says many
+// things twice, in its log and on its console).
+void addFinding(std::vector<Finding>& findings, const Finding& finding) {
+    for (const Finding& old : findings)
+        if (old.detail == finding.detail) return;
+    findings.push_back(finding);
+}
+
+// Everything abnormal a finished game left behind: its closing comment,
+// xboard's log and console, and the engines' exit records.
+void gatherFindings(GameReport& report, const std::string& prefix, const Player& white, const Player& black) {
+    auto engineOf = [&](const std::string& which) { return which == "first" ? white.label : black.label; };
+    Finding finding;
+    if (!report.played && !report.hung)
+        addFinding(report.findings, {Anomaly::NoResult, "xboard saved no game; its output: " +
+                                                            tail(report.consoleText, ConsoleTailBytes)});
+    if (report.played && classifyTermination(report.termination, report.result, finding))
+        addFinding(report.findings, finding);
+    for (const std::string* text : {&report.debugText, &report.consoleText})
+        for (const Finding& f : scanLog(*text, engineOf)) addFinding(report.findings, f);
+    // After a hang the runner itself killed the engines: their records say nothing.
+    if (!report.hung) {
+        for (const auto& [file, who] : {std::pair{prefix + "-first.status", white.label},
+                                        std::pair{prefix + "-second.status", black.label}}) {
+            std::string records;
+            readFile(file, records);
+            std::size_t start = 0;
+            while (start < records.size()) {
+                std::size_t end = records.find('\n', start);
+                if (end == std::string::npos) end = records.size();
+                ExitRecord exit;
+                if (parseExitRecord(records.substr(start, end - start), exit) && classifyExit(exit, who, finding))
+                    addFinding(report.findings, finding);
+                start = end + 1;
+            }
+        }
+    }
+    report.complaints = engineComplaints(report.debugText, engineOf);
+}
+
+// Plays game `index` (0-based) under the watchdog and gathers what it left
+// behind.
+GameReport playGame(const MatchSetup& setup, int index) {
+    GameReport report;
+    const TimeControl& tc = setup.options.timeControl;
+    report.engineWhite = index % 2 == 0;
+    const Opening& opening = setup.openings[(index / 2) % setup.openings.size()];
+    const Player& white = report.engineWhite ? setup.engine : setup.opponent;
+    const Player& black = report.engineWhite ? setup.opponent : setup.engine;
+    std::string prefix = setup.workDirectory + "/game" + std::to_string(index + 1);
+    writeEngineScript(setup, prefix + "-first.sh", prefix + "-first.status", white.command);
+    writeEngineScript(setup, prefix + "-second.sh", prefix + "-second.status", black.command);
 
     double limit = 2 * (tc.baseSeconds + tc.increment * AssumedMovesPerSide) + WatchdogMarginSeconds;
-    pid_t xboard = spawnGroupLeader(args, xboardEnvironment(setup), setup.workDirectory, consoleFile);
+    pid_t xboard = spawnGroupLeader(xboardArguments(setup, white, black, opening, prefix),
+                                    xboardEnvironment(setup), setup.workDirectory, prefix + ".console");
     int status = 0;
     WaitOutcome outcome = xboard > 0 ? waitWithWatchdog(xboard, limit, status) : WaitOutcome::Exited;
     // Engines that outlived xboard belong to this game's group too.
     killGroup(xboard);
     report.stopped = outcome == WaitOutcome::Stopped;
     report.hung = outcome == WaitOutcome::TimedOut;
+    if (report.hung) {
+        char text[128];
+        std::snprintf(text, sizeof text, "game hung: xboard and its engines killed after %.0f s", limit);
+        report.findings.push_back({Anomaly::NoResult, text});
+    }
 
-    auto engineOf = [&](const std::string& which) { return which == "first" ? white.label : black.label; };
-    readFile(pgnFile, report.pgnText);
-    readFile(debugFile, report.debugText);
-    readFile(consoleFile, report.consoleText);
+    readFile(prefix + ".pgn", report.pgnText);
+    readFile(prefix + ".debug", report.debugText);
+    readFile(prefix + ".console", report.consoleText);
     std::vector<PgnGame> games = parsePgnGames(report.pgnText);
     if (!games.empty()) {
         const PgnGame& game = games.back();
@@ -200,32 +251,7 @@ GameReport playGame(const MatchSetup& setup, int index) {
         if (game.white == setup.engine.label && game.black != setup.engine.label) report.engineWhite = true;
         if (game.black == setup.engine.label && game.white != setup.engine.label) report.engineWhite = false;
     }
-    Finding finding;
-    if (outcome == WaitOutcome::TimedOut) {
-        char text[128];
-        std::snprintf(text, sizeof text, "game hung: xboard and its engines killed after %.0f s", limit);
-        report.findings.push_back({Anomaly::NoResult, text});
-    } else if (outcome == WaitOutcome::Exited && !report.played) {
-        report.findings.push_back({Anomaly::NoResult, "xboard saved no game; its output: " +
-                                                          tail(report.consoleText, ConsoleTailBytes)});
-    }
-    if (report.played && classifyTermination(report.termination, report.result, finding))
-        report.findings.push_back(finding);
-    for (const std::string* text : {&report.debugText, &report.consoleText})
-        for (const Finding& f : scanLog(*text, engineOf)) {
-            bool seen = false;
-            for (const Finding& old : report.findings) seen = seen || old.detail == f.detail;
-            if (!seen) report.findings.push_back(f);
-        }
-    if (outcome == WaitOutcome::Exited) {
-        for (const auto& [file, who] : {std::pair{firstStatus, white.label}, std::pair{secondStatus, black.label}}) {
-            std::string record;
-            ExitRecord exit;
-            if (readFile(file, record) && parseExitRecord(record, exit) && classifyExit(exit, who, finding))
-                report.findings.push_back(finding);
-        }
-    }
-    report.complaints = engineComplaints(report.debugText, engineOf);
+    if (!report.stopped) gatherFindings(report, prefix, white, black);
     return report;
 }
 
@@ -292,6 +318,14 @@ bool prepare(MatchSetup& setup, std::string& error) {
             return false;
         }
     }
+    if (!writeFile(o.pgnFile, "")) {
+        error = "cannot write " + o.pgnFile;
+        return false;
+    }
+    if (!o.debugLog.empty() && !writeFile(o.debugLog, "")) {
+        error = "cannot write " + o.debugLog;
+        return false;
+    }
     // No spaces: xboard splits engine commands at blanks.
     const char* tmp = std::getenv("TMPDIR");
     std::string base = tmp && *tmp && std::string(tmp).find(' ') == std::string::npos ? tmp : "/tmp";
@@ -303,14 +337,6 @@ bool prepare(MatchSetup& setup, std::string& error) {
         return false;
     }
     setup.workDirectory = buffer.data();
-    if (!writeFile(o.pgnFile, "")) {
-        error = "cannot write " + o.pgnFile;
-        return false;
-    }
-    if (!o.debugLog.empty() && !writeFile(o.debugLog, "")) {
-        error = "cannot write " + o.debugLog;
-        return false;
-    }
     return true;
 }
 
@@ -373,7 +399,8 @@ int runMatch(MatchSetup& setup) {
             tally.unfinished++;
         }
         if (!o.debugLog.empty())
-            writeFile(o.debugLog, "=== game " + std::to_string(g + 1) + " ===\n" + report.debugText, "ab");
+            writeFile(o.debugLog, "=== game " + std::to_string(g + 1) + " ===\n" + report.debugText +
+                                      "--- xboard console ---\n" + report.consoleText, "ab");
         for (const Finding& f : report.findings) abnormal.push_back({g + 1, f});
         for (const std::string& c : report.complaints)
             if (std::find(complaints.begin(), complaints.end(), c) == complaints.end()) complaints.push_back(c);
@@ -398,12 +425,7 @@ int runMatch(MatchSetup& setup) {
         std::printf("Engine error replies (not game endings):\n");
         for (const std::string& c : complaints) std::printf("  %s\n", c.c_str());
     }
-    if (o.keepWorkDirectory) {
-        std::printf("Work files kept in %s\n", setup.workDirectory.c_str());
-    } else {
-        std::error_code ec;
-        std::filesystem::remove_all(setup.workDirectory, ec);
-    }
+    if (o.keepWorkDirectory) std::printf("Work files kept in %s\n", setup.workDirectory.c_str());
     int code = 0;
     if (stopped) {
         std::printf("match: interrupted after %d games\n", played);
@@ -441,5 +463,10 @@ int main(int argc, char** argv) {
     sigaction(SIGINT, &stop, nullptr);
     sigaction(SIGTERM, &stop, nullptr);
     sigaction(SIGHUP, &stop, nullptr);
-    return runMatch(setup);
+    int code = runMatch(setup);
+    if (!setup.options.keepWorkDirectory) {
+        std::error_code ec;
+        std::filesystem::remove_all(setup.workDirectory, ec);
+    }
+    return code;
 }

@@ -53,7 +53,7 @@ inline bool classifyTermination(const std::string& termination, const std::strin
         finding = {Anomaly::IllegalMove, termination};
         return true;
     }
-    if (containsAny(lower, {"exited unexpectedly", "crash", "disconnect", "connection", "xboard exit"})) {
+    if (containsAny(lower, {"exited unexpectedly", "crash", "disconnect", "connection", "xboard exit", "error"})) {
         finding = {Anomaly::Crash, termination};
         return true;
     }

@@ -68,7 +68,10 @@ inline std::vector<PgnGame> parsePgnGames(std::string_view text) {
             std::string name, value;
             if (parseTagLine(text.substr(i, end - i), name, value)) {
                 // Tags after moves start the next game: the previous one lost its result.
-                if (open && current.plies > 0) finish(tagResult.empty() ? "*" : tagResult);
+                if (open && current.plies > 0) {
+                    lastComment.clear();
+                    finish(tagResult.empty() ? "*" : tagResult);
+                }
                 if (name == "White") current.white = value;
                 else if (name == "Black") current.black = value;
                 else if (name == "Result") tagResult = value;
@@ -121,7 +124,11 @@ inline std::vector<PgnGame> parsePgnGames(std::string_view text) {
             open = true;
         }
     }
-    if (open) finish(tagResult.empty() ? "*" : tagResult);
+    // Without its result token the game has no closing comment either.
+    if (open) {
+        lastComment.clear();
+        finish(tagResult.empty() ? "*" : tagResult);
+    }
     return games;
 }
 

@@ -97,6 +97,8 @@ void resetGame(Game& g) {
     g.startedFromInitial = 1;
     g.resignCount = 0;
     g.resignLastScore = 0;
+    g.ponderMove = 0;
+    g.ponderElapsed = 0;
     std::srand(unsigned(std::time(nullptr)));
 }
 
@@ -265,6 +267,7 @@ int takeBackMove(Game& g) {
         g.pieceSquare[rook] = rookTo;
     }
     g.historyCursor -= 1;
+    g.ponderMove = 0;
     unpackCastleState(g, e.castleCode);
     g.position->fiftyCounter = 0;
     g.gameOver = GameOn;

@@ -74,6 +74,13 @@ struct Game {
     std::int32_t resignLastScore;
     std::int32_t uciMode;
     std::int32_t firstGoOfGame;
+    // Pondering: the reply the engine expects, its own answer to that reply,
+    // and the tenths, depth and score that thinking about it has earned.
+    std::int32_t ponderMove;
+    std::int32_t ponderReply;
+    std::int32_t ponderElapsed;
+    std::int32_t ponderDepth;
+    std::int32_t ponderScore;
 };
 
 // The one game of the program.

@@ -1,6 +1,8 @@
 #pragma once
 // Plain-text game files and the move lines of the log.
 
+#include <cstddef>
+
 #include "board/game.h"
 
 namespace book {
@@ -9,9 +11,17 @@ namespace book {
 // `withComment` the search's score and line follow. Nothing without a log.
 void logMoveLine(board::Game& game, board::Move move, int withComment);
 
+// The score as a log comment opens with it: a blank for a book move,
+// "+INF ", "+0.52 ", "-MAT3 " and the like. `text` holds `capacity`.
+void logScoreText(int score, char* text, std::size_t capacity);
+
 // Plays the game text of the file at `path` onto `game`. Result 0, -10 if the
 // file can't be read or a set-up is refused, else the first non-zero result
 // of makeGameMove.
 int loadGameFile(board::Game& game, const char* path);
+
+// Sets up the piece list of the file at `path`. Result 0, -1 if the file
+// can't be read, -2 if a piece can't be placed or a king is missing.
+int loadPositionFile(board::Game& game, const char* path);
 
 }  // namespace book

@@ -131,9 +131,12 @@ void flushPendingOutput() {
 
 namespace {
 
-// Move entry: the one path for a line that no command claims.
+// Move entry: the one path for a line that no command claims. A castling
+// text is read for the side the running think was started for, if one runs:
+// the line is parsed before the stop, while the think may be making its move
+// on the game.
 void enterMove() {
-    const board::Move move = board::parseCoordinateMove(commandLine, board::game.sideToMove);
+    const board::Move move = board::parseCoordinateMove(commandLine, sideSeenByThink());
     if (move == board::NoMove) {
         std::printf("Error (unknown command): %s\n", commandLine);
         std::fflush(stdout);
@@ -142,9 +145,11 @@ void enterMove() {
     stopThinking();
     book::logMoveLine(board::game, move, 0);
     const int result = board::makeGameMove(board::game, move);
-    if (result != board::ResultOk) board::reportResult(result, commandLine);
-    // Draws by rule (4, 5, 6) are announced, and the game goes on.
-    if (result < board::ResultRepetition) return;
+    if (result != board::ResultOk) {
+        board::reportResult(result, commandLine);
+        // Draws by rule (4, 5, 6) are announced, and the game goes on.
+        if (result < board::ResultRepetition) return;
+    }
     if (forceMode) return;
     startThink();
 }
@@ -247,7 +252,7 @@ const Command commandChain[] = {
     {"POST", Exact, [] { postThinking.store(1, std::memory_order_relaxed); }},
     {"NOPOST", Exact, [] { postThinking.store(0, std::memory_order_relaxed); }},
     {"HARD", Exact, nothing},
-    {"EASY", Exact, nothing},
+    {"EASY", Exact, [] { ponderEnabled.store(0, std::memory_order_relaxed); }},
     {"QUIT", Exact | StopFirst | Quits, closeLog},
     {"NEW", Exact | StopFirst, newGame},
     {"ANALYZE", Exact | StopFirst, analyzeCommand},
@@ -270,7 +275,7 @@ const Command commandChain[] = {
     {"position", UciOnly, [] { positionCommand(commandLine); }},
     {"STOP", Exact | UciOnly | StopFirst, nothing},
     {"setoption", AnyCase | UciOnly | Guarded, [] { setoptionCommand(commandLine); }},
-    {"UCINEWGAME", 0, [] { ucinewgameCommand(commandLine); }},
+    {"UCINEWGAME", Guarded, [] { ucinewgameCommand(commandLine); }},
 };
 
 // Exact, prefix or case-free prefix, as the entry's flags say.

@@ -10,4 +10,13 @@ void positionCommand(const char* line);    // "position"
 void setoptionCommand(const char* line);   // "setoption"
 void ucinewgameCommand(const char* line);  // "UCINEWGAME"
 
+// Reads the clock words of an upper-cased "GO" line into the time control,
+// for the side to move of the global game.
+void readGoClock(const char* line);
+
+// Strips the quotes an interface may put round a path, in place: a first
+// character that is neither a letter nor '/' goes, and so does a last one
+// that is neither a letter nor a digit.
+void stripPathQuotes(char* path);
+
 }  // namespace frontend

@@ -47,7 +47,17 @@ bool writeAll(int fd, const std::string& text) {
 }  // namespace
 
 EngineRun runEngine(const std::string& input, int timeoutMs) {
+    return runProgram(MORVANE_BIN_DIR "/morvane", {}, input, timeoutMs);
+}
+
+EngineRun runProgram(const std::string& program, const std::vector<std::string>& arguments,
+                     const std::string& input, int timeoutMs) {
     EngineRun run;
+    // Built before the fork: the child only execs.
+    std::vector<char*> argv;
+    argv.push_back(const_cast<char*>(program.c_str()));
+    for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
+    argv.push_back(nullptr);
     const int in = anonymousFile(), out = anonymousFile(), err = anonymousFile();
     if (in < 0 || out < 0 || err < 0 || !writeAll(in, input)) return run;
     lseek(in, 0, SEEK_SET);
@@ -57,7 +67,7 @@ EngineRun runEngine(const std::string& input, int timeoutMs) {
         dup2(in, STDIN_FILENO);
         dup2(out, STDOUT_FILENO);
         dup2(err, STDERR_FILENO);
-        execl(MORVANE_BIN_DIR "/morvane", "morvane", static_cast<char*>(nullptr));
+        execv(program.c_str(), argv.data());
         _exit(127);
     }
     if (child > 0) {

@@ -3,6 +3,7 @@
 // writes, for transcript tests that compare the output byte for byte.
 
 #include <string>
+#include <vector>
 
 namespace testing_support {
 
@@ -17,5 +18,11 @@ struct EngineRun {
 // `timeoutMs` is killed and marked timed out, so a hang fails a test rather
 // than stalling the suite.
 EngineRun runEngine(const std::string& input, int timeoutMs = 20000);
+
+// The same for any program file, with its arguments behind the program name.
+// Start-up tests run a copy of the engine in a directory of their own, since
+// the configuration file lies beside the executable.
+EngineRun runProgram(const std::string& program, const std::vector<std::string>& arguments,
+                     const std::string& input, int timeoutMs = 20000);
 
 }  // namespace testing_support

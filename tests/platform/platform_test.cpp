@@ -4,10 +4,13 @@
 #include <gtest/gtest.h>
 
 #include <pthread.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <csignal>
 #include <cstring>
+#include <string>
 
 #include "platform/clock.h"
 #include "platform/fatal.h"
@@ -105,3 +108,39 @@ TEST(PlatformDeathTest, FatalExitsWithCodeOne) {
 }
 
 }  // namespace
+
+// xboard sends SIGINT to the engine during every game; the engine must
+// survive it and keep answering.
+TEST(Signals, EngineSurvivesAnInterrupt) {
+    int toEngine[2], fromEngine[2];
+    ASSERT_EQ(pipe(toEngine), 0);
+    ASSERT_EQ(pipe(fromEngine), 0);
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        std::signal(SIGINT, SIG_DFL);  // as an interface starts it
+        dup2(toEngine[0], 0);
+        dup2(fromEngine[1], 1);
+        close(toEngine[1]);
+        close(fromEngine[0]);
+        const std::string engine = std::string(MORVANE_BIN_DIR) + "/morvane";
+        execl(engine.c_str(), engine.c_str(), static_cast<char*>(nullptr));
+        _exit(127);
+    }
+    close(toEngine[0]);
+    close(fromEngine[1]);
+    ASSERT_EQ(write(toEngine[1], "new\n", 4), 4);
+    usleep(300000);  // start-up done, the signal lands in the command loop
+    kill(child, SIGINT);
+    usleep(100000);
+    ASSERT_EQ(write(toEngine[1], "ping 7\nquit\n", 12), 12);
+    close(toEngine[1]);
+    std::string out;
+    char buffer[256];
+    for (ssize_t n; (n = read(fromEngine[0], buffer, sizeof buffer)) > 0;) out.append(buffer, std::size_t(n));
+    close(fromEngine[0]);
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_FALSE(WIFSIGNALED(status));
+    EXPECT_NE(out.find("pong 7"), std::string::npos);
+}

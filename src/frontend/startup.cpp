@@ -1,0 +1,166 @@
+#include "frontend/startup.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "board/game.h"
+#include "board/tables.h"
+#include "book/gamefiles.h"
+#include "frontend/commandloop.h"
+#include "frontend/config.h"
+#include "frontend/logfile.h"
+#include "frontend/thinkthread.h"
+#include "search/hashtable.h"
+#include "search/searchboard.h"
+#include "search/think.h"
+#include "tablebase/probe.h"
+#include "tablebase/registry.h"
+
+namespace frontend {
+
+namespace {
+
+// The hash tables are sized for HashSizeUnit << hashExponent bytes: one
+// bucket's worth shifted, so that the exponent n + 1 gives 2^n buckets.
+constexpr std::int64_t HashSizeUnit = sizeof(search::HashBucket);
+// Beyond this no table could be had anyway; it keeps the shift defined.
+constexpr int MaxHashExponent = 40;
+constexpr int TenthsPerSecond = 10;
+
+// The tablebases are first looked for beside the program: its directory
+// without the closing separator. A directory too long for the list leaves
+// it empty, which means the working directory.
+void startPathList() {
+    const char* directory = programDirectory();
+    const std::size_t length = std::strlen(directory);
+    tablebase::tbPathList[0] = '\0';
+    if (length == 0 || length - 1 > std::size_t(tablebase::TbPathListLimit)) return;
+    std::memcpy(tablebase::tbPathList, directory, length - 1);
+    tablebase::tbPathList[length - 1] = '\0';
+}
+
+// -1 when the tables can't be had.
+std::int64_t sizeHashTables(int hashExponent) {
+    if (hashExponent < 0) hashExponent = 0;
+    if (hashExponent > MaxHashExponent) hashExponent = MaxHashExponent;
+    return search::setHashSize(HashSizeUnit << hashExponent);
+}
+
+// -t: both limits of a batch run's think, in tenths.
+void timeSwitch(const char* value) {
+    const int seconds = readSettingInteger(value);
+    if (seconds < 1) {
+        std::printf("temps??\n");
+        std::fflush(stdout);
+        return;
+    }
+    const int tenths = seconds > search::NoTimeLimit / TenthsPerSecond ? search::NoTimeLimit : seconds * TenthsPerSecond;
+    board::game.softTimeLimit = board::game.hardTimeLimit = tenths;
+}
+
+void badFile() {
+    std::printf("fichier??\n");
+    std::fflush(stdout);
+}
+
+// The one think of a batch run, on the main thread, after the tablebases
+// along the paths gathered so far are set up. Its move is neither played nor
+// printed as a move; the search's lines are the output.
+void runBatch() {
+    tablebase::tbMaxMen = tablebase::tbInit(tablebase::tbPathList, tablebase::tbCacheBytes);
+    tablebase::tablebasesOpen = 1;
+    postThinking.store(1, std::memory_order_relaxed);
+    if (board::game.gameOver != board::GameOn) return;
+    runThink(board::game, 0);
+    std::fflush(stdout);
+}
+
+// The tables are closed at the end of the run, unless a think still probes
+// them: at the end of input the program leaves with its think running.
+void closeTablebasesAtExit() {
+    if (tablebase::tablebasesOpen && !thinking.load(std::memory_order_relaxed)) tablebase::tbShutdown();
+}
+
+void printBanner() {
+    const unsigned hashMegabytes = unsigned(std::uint64_t(search::hashEntries) * sizeof(search::HashBucket) >> 20);
+    const unsigned pawnMegabytes =
+        unsigned(std::uint64_t(search::pawnHashEntries) * sizeof(search::PawnHashEntry) >> 20);
+    std::fprintf(stderr, "%s\n%s\n", engineName, MakerNotice);
+    std::fprintf(stderr, "Hash=%uMB HP=%uMB Sst=%d\n", hashMegabytes, pawnMegabytes, int(sizeof(search::NodeState)));
+}
+
+}  // namespace
+
+// A switch's value is glued to its letter. Bare words and unknown letters
+// are passed over.
+int processCommandLine(int argc, char** argv) {
+    int hashExponent = 0;
+    startPathList();
+    readConfiguration(hashExponent, tablebase::tbPathList, tablebase::tbCacheBytes);
+
+    bool batch = false, tablesSized = false;
+    for (int i = 1; i < argc; ++i) {
+        const char* argument = argv[i];
+        if (argument == nullptr || argument[0] != '-' || argument[1] == '\0') continue;
+        const char* value = argument + 2;
+        switch (argument[1]) {
+            case 'd':
+                // A list too long to hold is refused whole rather than cut.
+                if (std::strlen(value) <= std::size_t(tablebase::TbPathListLimit)) std::strcpy(tablebase::tbPathList, value);
+                break;
+            case 'h': {
+                // Like the key, a size below 1 is ignored.
+                const int n = readSettingInteger(value);
+                if (n >= 1) hashExponent = n - 1;
+                break;
+            }
+            case 't': timeSwitch(value); break;
+            case 'f':
+                if (sizeHashTables(hashExponent) < 0) return 1;
+                tablesSized = true;
+                if (book::loadGameFile(board::game, value) < 0) {
+                    badFile();
+                    return 1;
+                }
+                batch = true;
+                break;
+            case 'p':
+                if (book::loadPositionFile(board::game, value) < 0) {
+                    badFile();
+                    return 1;
+                }
+                batch = true;
+                break;
+            default: break;
+        }
+    }
+    if (!tablesSized && sizeHashTables(hashExponent) < 0) return 1;
+    if (batch) {
+        runBatch();
+        return 0;
+    }
+    return StartupContinue;
+}
+
+// The banner and the tablebase lines go to standard error, out of the way
+// of a protocol on standard output.
+int startUp(int argc, char** argv) {
+    formLogFileName(argc > 0 ? argv[0] : nullptr);
+    board::rescanMoves(board::game);
+    board::pieceLetters = board::pieceLetterTable;
+    const int code = processCommandLine(argc, argv);
+    if (code != StartupContinue) return code;
+    if (logEnabled) openLog();
+    printBanner();
+    tablebase::tbMaxMen = tablebase::tbInit(tablebase::tbPathList, tablebase::tbCacheBytes);
+    std::fprintf(stderr, "type quit to exit\n");
+    std::fflush(stderr);
+    pendingOutput[0] = '\0';
+    tablebase::tablebasesOpen = 1;
+    std::atexit(closeTablebasesAtExit);
+    return StartupContinue;
+}
+
+}  // namespace frontend

@@ -1,0 +1,118 @@
+// Start-up as a user meets it: a copy of the engine in a directory of its
+// own, with its own morvane.cfg, switches and log.
+
+#include <gtest/gtest.h>
+
+#include <regex>
+#include <string>
+
+#include "frontend/sandbox.h"
+
+namespace {
+
+using testing_support::EngineSandbox;
+
+// Everything start-up writes on standard error, for a sandbox with no tables.
+std::string banner(const std::string& hashLine, const std::string& pathList) {
+    return "Morvane 4.2\nCopyright (C) Aurelien Moraud\n" + hashLine + "\nTbPath=<" + pathList +
+           ">\nInitTb=0\ntype quit to exit\n";
+}
+
+const std::string SmallestTables = "Hash=3MB HP=1MB Sst=68";
+const std::string Tables21 = "Hash=24MB HP=7MB Sst=68";
+
+// The banner of one run with `config` as the file (none if null).
+std::string bannerFor(const char* config, const std::vector<std::string>& arguments = {}) {
+    EngineSandbox box;
+    if (config) box.writeConfig(config);
+    const auto run = box.run("quit\n", arguments);
+    EXPECT_EQ(run.exitCode, 0) << (config ? config : "(no file)");
+    EXPECT_EQ(run.out, "");
+    return run.err;
+}
+
+TEST(StartupTranscript, BannerShowsTheTableSizes) {
+    EngineSandbox box;
+    const auto run = box.run("quit\n");
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_EQ(run.err, banner(SmallestTables, box.directory()));
+    box.writeConfig("");
+    EXPECT_EQ(box.run("quit\n").err, banner(SmallestTables, box.directory()));
+    box.writeConfig("HASHTABLE=21\n");
+    EXPECT_EQ(box.run("quit\n").err, banner(Tables21, box.directory()));
+}
+
+TEST(StartupTranscript, FileSettingsReachTheProtocol) {
+    EngineSandbox box;
+    box.writeConfig("RESIGNATION=0\nuse_book = 0\n");
+    const auto run = box.run("protover 2\n");
+    EXPECT_NE(run.out.find("feature option=\"RESIGN -check 0\"\nfeature option=\"USE BOOK -check 0\" done=1\n"),
+              std::string::npos)
+        << run.out;
+}
+
+TEST(StartupTranscript, TablebasePathsJoinTheProgramDirectory) {
+    EngineSandbox box;
+    box.writeConfig("TABLEBASE=/data/tb\ntablebase=  /more\r\nTABLEBASE=\n");
+    EXPECT_EQ(box.run("quit\n").err, banner(SmallestTables, box.directory() + ";/data/tb;/more"));
+    // -d replaces the whole list; a path that can't fit is refused.
+    EXPECT_EQ(box.run("quit\n", {"-d/only"}).err, banner(SmallestTables, "/only"));
+    const std::string path = "/" + std::string(109, 'x');
+    box.writeConfig("TABLEBASE=" + path + "\nTABLEBASE=" + path + "\nTABLEBASE=" + path + "\n");
+    EXPECT_EQ(box.run("quit\n").err, banner(SmallestTables, box.directory() + ";" + path + ";" + path));
+}
+
+TEST(StartupTranscript, SwitchesComeAfterTheFile) {
+    EXPECT_NE(bannerFor("HASHTABLE=5\n", {"-h21"}).find(Tables21), std::string::npos);
+    EXPECT_NE(bannerFor(nullptr, {"bare", "-x9", "-", "-h21"}).find(Tables21), std::string::npos);
+    EXPECT_NE(bannerFor(nullptr, {"-h0", "-hjunk"}).find(SmallestTables), std::string::npos);
+}
+
+TEST(StartupTranscript, BadTimeGoesOnAndBadFilesEndTheRun) {
+    EngineSandbox box;
+    auto run = box.run("quit\n", {"-t0"});
+    EXPECT_EQ(run.out, "temps??\n");
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_EQ(run.err, banner(SmallestTables, box.directory()));
+    for (const char* argument : {"-f/no/such/game", "-p/no/such/list"}) {
+        run = box.run("quit\n", {argument});
+        EXPECT_EQ(run.out, "fichier??\n") << argument;
+        EXPECT_EQ(run.exitCode, 1) << argument;
+        EXPECT_EQ(run.err, "") << argument;
+    }
+}
+
+// Nothing in the file may crash start-up: overlong lines (whose tails are
+// not read as settings), numbers past any range, NUL bytes, bare keys.
+TEST(StartupTranscript, BadConfigurationLinesAreHarmless) {
+    std::string config = std::string(126, ';') + "HASHTABLE=21\n";
+    config += std::string(5000, 'A') + "HASHTABLE=21\n";
+    config += "TB_CACHE_SIZE=99999999999999999999\nRESIGN=-99999999999999\nNULLEVAL=1.5e999\n";
+    config += "LOGFILE\nUSE_BOOK=\nTABLEBASE\n";
+    config += std::string("HASH\0TABLE=21\n", 14);
+    const std::string err = bannerFor(config.c_str());
+    EXPECT_NE(err.find(SmallestTables), std::string::npos) << err;
+}
+
+TEST(StartupTranscript, LogFileRecordsGamesBesideTheProgram) {
+    EngineSandbox box;
+    box.run("new\nforce\ne2e4\nquit\n");
+    EXPECT_EQ(box.readFile("morvane.log"), "");  // no LOGFILE, no log
+
+    box.writeConfig("LOGFILE=1\n");
+    const std::string game = "new\nforce\ne2e4\ne7e5\ng1f3\nb8c6\nresult 1-0 {White mates}\nquit\n";
+    EXPECT_EQ(box.run(game).exitCode, 0);
+    EXPECT_EQ(box.run(game).exitCode, 0);  // appended, not replaced
+    const std::string oneGame =
+        "\\[Event \"Computer chess game\"\\]\n"
+        "\\[Date \"[0-9]{4}\\.[0-9]{2}\\.[0-9]{2}\"\\]\n"
+        "1\\.   e4 \\(\\{\\}\\)\n"
+        "1\\.\\.\\. e5 \\(\\{\\}\\)\n"
+        "2\\.   Nf3 \\(\\{\\}\\)\n"
+        "2\\.\\.\\. Nc6 \\(\\{\\}\\)\n"
+        "1-0 \\{WHITE MATES\\}\n";
+    const std::string log = box.readFile("morvane.log");
+    EXPECT_TRUE(std::regex_match(log, std::regex(oneGame + oneGame))) << log;
+}
+
+}  // namespace

@@ -98,13 +98,7 @@ void nalimovPathOption(const char* rest) {
     std::strcpy(path, rest);
     const std::size_t length = std::strlen(path);
     if (length > 0 && path[length - 1] == '\n') path[length - 1] = '\0';
-    stripPathQuotes(path);
-    // An empty path would add the working directory, which no one asked for.
-    if (path[0] == '\0') return;
-    if (!tablebase::tbAddPath(path)) return;
-    tablebase::tbShutdown();
-    tablebase::tbMaxMen = tablebase::tbInit(tablebase::tbPathList, tablebase::tbCacheBytes);
-    tablebase::tablebasesOpen = 1;
+    useTablebasePath(path);
 }
 
 }  // namespace
@@ -114,6 +108,14 @@ void stripPathQuotes(char* path) {
     if (!isAsciiLetter(path[0]) && path[0] != '/') std::memmove(path, path + 1, std::strlen(path));
     const std::size_t length = std::strlen(path);
     if (length > 0 && !isAsciiLetter(path[length - 1]) && !isAsciiDigit(path[length - 1])) path[length - 1] = '\0';
+}
+
+void useTablebasePath(char* path) {
+    stripPathQuotes(path);
+    if (path[0] == '\0' || !tablebase::tbAddPath(path)) return;
+    tablebase::tbShutdown();
+    tablebase::tbMaxMen = tablebase::tbInit(tablebase::tbPathList, tablebase::tbCacheBytes);
+    tablebase::tablebasesOpen = 1;
 }
 
 // One switch for the rest of the run: from here on the think answers with

@@ -19,4 +19,10 @@ void readGoClock(const char* line);
 // that is neither a letter nor a digit.
 void stripPathQuotes(char* path);
 
+// A tablebase directory from "EGTPATH" or the NalimovPath option: quotes
+// stripped, joined to the list if it fits, and the tables looked for again
+// along the whole list. An empty path adds nothing, rather than the working
+// directory.
+void useTablebasePath(char* path);
+
 }  // namespace frontend

@@ -135,9 +135,7 @@ void memoryCommand(const char* line) {
 }
 
 // "EGTPATH NALIMOV <path>": the path joins the list, and the tables are
-// looked for again along all of it. Any other kind of table is ignored. An
-// absolute path keeps its leading '/', which the quote rule spares; a path
-// that is nothing but quotes adds nothing, rather than the working directory.
+// looked for again along all of it. Any other kind of table is ignored.
 void egtpathCommand(const char* line) {
     const char* p = line + EgtpathWordLength;
     while (isBlank(*p)) ++p;
@@ -148,12 +146,7 @@ void egtpathCommand(const char* line) {
     if (*p == '\0' || std::strlen(p) >= std::size_t(PathSize)) return;
     char path[PathSize];
     std::strcpy(path, p);
-    stripPathQuotes(path);
-    if (path[0] == '\0') return;
-    if (!tablebase::tbAddPath(path)) return;
-    tablebase::tbShutdown();
-    tablebase::tbMaxMen = tablebase::tbInit(tablebase::tbPathList, tablebase::tbCacheBytes);
-    tablebase::tablebasesOpen = 1;
+    useTablebasePath(path);
 }
 
 // The answers to the two options of the feature lines; both may stand in

@@ -372,3 +372,28 @@ TEST(MatchRunner, PlaysTwoRealGamesThroughXboard) {
     EXPECT_EQ(tally.losses, losses);
     std::remove(pgn.c_str());
 }
+
+// The engine itself through the real interface, once speaking xboard and once
+// UCI through polyglot: each game must end in a result with nothing abnormal
+// (no time forfeit, illegal move or crash).
+TEST(MatchRunner, EnginePlaysFairymaxInBothProtocols) {
+    for (const char* program : {"xboard", "Xvfb", "fairymax", "polyglot"})
+        if (findProgram(program).empty())
+            GTEST_SKIP() << program << " not installed: run scripts/install-match-deps.sh for this test";
+    for (const char* protocol : {"", " --as-uci"}) {
+        const std::string pgn = testing::TempDir() + "/match_engine_" + std::to_string(getpid()) + ".pgn";
+        int exitCode = -1;
+        const std::string out = runShell(matchBinary() + protocol +
+                                             " --opponent fairymax --games 1 --tc 3+0.1 --pgn " + pgn + " 2>&1",
+                                         exitCode);
+        EXPECT_EQ(exitCode, 0) << out;
+        EXPECT_NE(out.find("Unfinished: 0"), std::string::npos) << out;
+        EXPECT_NE(out.find("Abnormal endings: none"), std::string::npos) << out;
+        int wins = -1, draws = -1, losses = -1;
+        const std::size_t last = out.rfind("Score: ");
+        ASSERT_NE(last, std::string::npos) << out;
+        ASSERT_EQ(std::sscanf(out.c_str() + last, "Score: %d-%d-%d", &wins, &draws, &losses), 3) << out;
+        EXPECT_EQ(wins + draws + losses, 1) << out;
+        std::remove(pgn.c_str());
+    }
+}

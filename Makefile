@@ -2,9 +2,10 @@
 # runs every test. Everything else is for developers.
 BUILD ?= build
 ASAN_BUILD ?= build-asan
+TSAN_BUILD ?= build-tsan
 JOBS ?= 2
 
-.PHONY: all build play test test-asan bench perft match deps clean
+.PHONY: all build play test test-asan test-tsan bench perft match deps clean
 
 all: build
 
@@ -24,6 +25,7 @@ test:
 	@scripts/install-deps.sh --test
 	@scripts/install-match-deps.sh
 	@$(MAKE) --no-print-directory test-asan
+	@$(MAKE) --no-print-directory test-tsan
 	@cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=Release >/dev/null
 	@cmake --build $(BUILD) -j$(JOBS)
 	@cd $(BUILD) && ctest --output-on-failure -j$(JOBS)
@@ -32,6 +34,12 @@ test-asan:
 	@cmake -S . -B $(ASAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DMORVANE_SANITIZE=address >/dev/null
 	@cmake --build $(ASAN_BUILD) -j$(JOBS)
 	@$(ASAN_BUILD)/morvane_tests --gtest_brief=1 --gtest_filter='*Fuzz*:*Transcript*:Fen*:Edit*'
+
+# The think thread against random commands, under ThreadSanitizer.
+test-tsan:
+	@cmake -S . -B $(TSAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DMORVANE_SANITIZE=thread >/dev/null
+	@cmake --build $(TSAN_BUILD) -j$(JOBS)
+	@TSAN_OPTIONS=halt_on_error=1 $(TSAN_BUILD)/morvane_tests --gtest_brief=1 --gtest_filter='ThinkThreadStress*:XboardSession*:ThinkGuard*'
 
 bench: build
 	@$(BUILD)/bench
@@ -44,4 +52,4 @@ match: build
 	@scripts/match.sh $(BUILD)
 
 clean:
-	rm -rf $(BUILD) $(ASAN_BUILD)
+	rm -rf $(BUILD) $(ASAN_BUILD) $(TSAN_BUILD)

@@ -10,6 +10,7 @@
 #include "board/game.h"
 #include "board/movetext.h"
 #include "board/scan.h"
+#include "search/roots.h"
 
 using namespace board;
 
@@ -17,8 +18,7 @@ namespace {
 
 // Runs the dialogue on `input` from a fresh game.
 int edit(const std::string& input, int side = White) {
-    resetGame(game);
-    rescanMoves(game);
+    newGame();
     std::FILE* file = std::tmpfile();
     if (file == nullptr) return -100;
     std::fputs(input.c_str(), file);
@@ -28,17 +28,11 @@ int edit(const std::string& input, int side = White) {
     return result;
 }
 
-std::string text() {
-    char buffer[BoardTextSize];
-    boardText(game, buffer);
-    return buffer;
-}
-
 }  // namespace
 
 TEST(EditPosition, BuildsAPositionInEitherCase) {
     ASSERT_EQ(edit("#\nKe1\nra1\nRh1\nPe2\nc\nke8\nPd7\n.\n"), 0);
-    EXPECT_EQ(text(), "4k3/3p4/8/8/8/8/4P3/R3K2R/ w KQ -");
+    EXPECT_EQ(boardString(), "4k3/3p4/8/8/8/8/4P3/R3K2R/ w KQ -");
     EXPECT_EQ(game.boardPiece[E2], 12);
     EXPECT_EQ(game.boardPiece[D7], 27);
     EXPECT_EQ(game.sideToMove, White);
@@ -48,7 +42,7 @@ TEST(EditPosition, BuildsAPositionInEitherCase) {
 
     // Pieces are added to the board as it stands.
     ASSERT_EQ(edit("Xd1\nXe2\n.\n", Black), 0);
-    EXPECT_EQ(text(), "rnbqkbnr/pppppppp/8/8/8/8/PPPP1PPP/RNB1KBNR/ b KQkq -");
+    EXPECT_EQ(boardString(), "rnbqkbnr/pppppppp/8/8/8/8/PPPP1PPP/RNB1KBNR/ b KQkq -");
 }
 
 TEST(EditPosition, PawnsTakeNeighbourSlotsUpToTwoFilesAway) {
@@ -63,7 +57,7 @@ TEST(EditPosition, PawnsTakeNeighbourSlotsUpToTwoFilesAway) {
 
 TEST(EditPosition, BadLinesAreIgnoredAndAPieceReplacesAnother) {
     ASSERT_EQ(edit("#\nKe1\nK\nX\nXi1\nXe9\nQz4\nZe4\nKe\nRa1\nNa1\nc\nke8\n.\n"), 0);
-    EXPECT_EQ(text(), "4k3/8/8/8/8/8/8/N3K3/ w - -");
+    EXPECT_EQ(boardString(), "4k3/8/8/8/8/8/8/N3K3/ w - -");
     EXPECT_EQ(game.boardPiece[A1], idBase(White) + SlotKnightB);
     EXPECT_EQ(game.pieceSquare[WhiteRookAId], NoSquare);
 
@@ -75,13 +69,13 @@ TEST(EditPosition, BadLinesAreIgnoredAndAPieceReplacesAnother) {
 
 TEST(EditPosition, EndOfInputEndsTheDialogue) {
     ASSERT_EQ(edit("#\nKe1\nc\nke8\nc\nQd1", Black), 0);
-    EXPECT_EQ(text(), "4k3/8/8/8/8/8/8/3QK3/ b - -");
+    EXPECT_EQ(boardString(), "4k3/8/8/8/8/8/8/3QK3/ b - -");
     EXPECT_EQ(game.sideToMove, Black);
     EXPECT_NE(game.legalMoves[0], NoMove);
 
     // The tail of a line over 63 characters is dropped, not read as a line.
     ASSERT_EQ(edit("#\nKe1" + std::string(70, 'x') + ".\nc\nke8\n.\n"), 0);
-    EXPECT_EQ(text(), "4k3/8/8/8/8/8/8/4K3/ w - -");
+    EXPECT_EQ(boardString(), "4k3/8/8/8/8/8/8/4K3/ w - -");
 }
 
 TEST(EditPosition, ABoardWithoutKingsIsRefused) {

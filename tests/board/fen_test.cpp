@@ -11,6 +11,7 @@
 #include "board/game.h"
 #include "board/movetext.h"
 #include "board/scan.h"
+#include "search/roots.h"
 
 using namespace board;
 
@@ -18,37 +19,10 @@ namespace {
 
 constexpr const char* StartText = "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR/ w KQkq -";
 
-void newGame() {
-    resetGame(game);
-    rescanMoves(game);
-}
-
-std::string text(const Game& g = game) {
-    char buffer[BoardTextSize];
-    boardText(g, buffer);
-    return buffer;
-}
-
-int play(const char* move) {
-    std::string buffer(move);
-    return makeGameMove(game, parseCoordinateMove(buffer.data(), game.sideToMove));
-}
-
 int moveCount() {
     int n = 0;
     while (game.legalMoves[n] != NoMove) ++n;
     return n;
-}
-
-void expectConsistent(const Game& g) {
-    for (int id = 0; id < 32; ++id)
-        if (g.pieceSquare[id] != NoSquare) {
-            EXPECT_EQ(g.boardPiece[g.pieceSquare[id]], id);
-        }
-    for (int sq = 0; sq < 64; ++sq)
-        if (g.boardPiece[sq] != NoPiece) {
-            EXPECT_EQ(g.pieceSquare[g.boardPiece[sq]], sq);
-        }
 }
 
 }  // namespace
@@ -61,7 +35,7 @@ TEST(Fen, StartPositionGivesTheStartIdsRightsAndText) {
         EXPECT_EQ(game.pieceType[id], startType[id]) << id;
     }
     for (int state : game.castleState) EXPECT_EQ(state, CastleRight);
-    EXPECT_EQ(text(), StartText);
+    EXPECT_EQ(boardString(), StartText);
     EXPECT_STREQ(game.startFen, StartText);
     EXPECT_EQ(game.sideToMove, White);
     EXPECT_EQ(game.startedFromInitial, 0);
@@ -69,7 +43,7 @@ TEST(Fen, StartPositionGivesTheStartIdsRightsAndText) {
     EXPECT_EQ(moveCount(), 20);
     EXPECT_EQ(takeBackMove(game), 1);  // a set-up has no history
     ASSERT_EQ(setupFromFen(game, StartText), 0);  // the text reads back
-    EXPECT_EQ(text(), StartText);
+    EXPECT_EQ(boardString(), StartText);
 }
 
 TEST(Fen, ExtraPiecesTakePawnSlotsFromTheTop) {
@@ -105,7 +79,7 @@ TEST(Fen, SlotsFollowTheRoles) {
 TEST(Fen, CastlingRightsComeFromRookIdsAndTheField) {
     // "-" leaves the rights that the placement gives.
     ASSERT_EQ(setupFromFen(game, "r3k2r/8/8/8/8/8/8/R3K2R w - -"), 0);
-    EXPECT_EQ(text(), "r3k2r/8/8/8/8/8/8/R3K2R/ w KQkq -");
+    EXPECT_EQ(boardString(), "r3k2r/8/8/8/8/8/8/R3K2R/ w KQkq -");
 
     // The a3 rook is read first and takes slot 2, so the a1 rook gives no
     // long right; with neither rook id at home the short state is "castled".
@@ -124,10 +98,10 @@ TEST(Fen, CastlingRightsComeFromRookIdsAndTheField) {
     EXPECT_EQ(game.castleState[CastleWhiteLong], CastleLost);
     EXPECT_EQ(game.castleState[CastleBlackLong], CastleDone);
     ASSERT_EQ(setupFromFen(game, "2kr4/8/8/8/8/8/8/5RK1 w KQkq -"), 0);
-    EXPECT_EQ(text(), "2kr4/8/8/8/8/8/8/5RK1/ w KQkq -");
+    EXPECT_EQ(boardString(), "2kr4/8/8/8/8/8/8/5RK1/ w KQkq -");
     for (const Move* m = game.legalMoves; *m; ++m) EXPECT_FALSE(isCastling(*m));
     ASSERT_EQ(setupFromFen(game, "r3k3/8/8/8/8/8/8/3K3R w KQkq -"), 0);
-    EXPECT_EQ(text(), "r3k3/8/8/8/8/8/8/3K3R/ w KQkq -");
+    EXPECT_EQ(boardString(), "r3k3/8/8/8/8/8/8/3K3R/ w KQkq -");
     for (const Move* m = game.legalMoves; *m; ++m) EXPECT_FALSE(isCastling(*m));
 }
 
@@ -160,38 +134,38 @@ TEST(Fen, SideFieldDecidesAndMissingMeansBlack) {
 
 TEST(Fen, FailedSetupLeavesNothingToPlayOrTakeBack) {
     newGame();
-    ASSERT_EQ(play("e2e4"), ResultOk);
+    ASSERT_EQ(playMove("e2e4"), ResultOk);
     ASSERT_EQ(setupFromFen(game, "8/8/8/8/8/8/8/8 w - -"), SetupNoKing);
     EXPECT_EQ(game.legalMoves[0], NoMove);
     EXPECT_EQ(game.gameOver, GameSetupNoMove);
     EXPECT_EQ(takeBackMove(game), 1);
-    EXPECT_EQ(play("e7e5"), ResultNotInList);
+    EXPECT_EQ(playMove("e7e5"), ResultNotInList);
 }
 
 TEST(Fen, CheckedSetupKeepsTheGameOnFailure) {
     newGame();
     ASSERT_EQ(setupFromFenChecked(game, StartText), 0);
-    ASSERT_EQ(play("e2e4"), ResultOk);
-    const std::string before = text();
+    ASSERT_EQ(playMove("e2e4"), ResultOk);
+    const std::string before = boardString();
     const std::string fenBefore = game.startFen;
     const int movesBefore = moveCount();
 
     EXPECT_EQ(setupFromFenChecked(game, "4k3/8/8/8/8/8/8/8 w - -"), SetupNoKing);
     EXPECT_EQ(setupFromFenChecked(game, "kk6/8/8/8/8/8/8/4K3 w - -"), SetupNoSlot);
-    EXPECT_EQ(text(), before);
+    EXPECT_EQ(boardString(), before);
     EXPECT_EQ(game.startFen, fenBefore);
     EXPECT_EQ(game.historyCursor, 0);
     EXPECT_EQ(game.gameOver, GameOn);
     EXPECT_EQ(moveCount(), movesBefore);
     expectConsistent(game);
-    EXPECT_EQ(play("e7e5"), ResultOk);
+    EXPECT_EQ(playMove("e7e5"), ResultOk);
     EXPECT_EQ(takeBackMove(game), 0);
     EXPECT_EQ(takeBackMove(game), 0);
-    EXPECT_EQ(text(), StartText);
+    EXPECT_EQ(boardString(), StartText);
 
     // Success and an illegal position are kept.
     EXPECT_EQ(setupFromFenChecked(game, "4k3/8/8/8/4R3/8/8/4K3 w - -"), scanIllegal);
-    EXPECT_EQ(text(), "4k3/8/8/8/4R3/8/8/4K3/ w - -");
+    EXPECT_EQ(boardString(), "4k3/8/8/8/4R3/8/8/4K3/ w - -");
 }
 
 TEST(Fen, MalformedTextNeverLeavesTheBoard) {
@@ -253,8 +227,8 @@ TEST(Fen, MutatedPositionsPlaySoundly) {
 
 TEST(BoardText, EnPassantFieldAndTheLongestText) {
     newGame();
-    for (const char* m : {"e2e4", "d7d5", "e4e5", "f7f5"}) ASSERT_EQ(play(m), ResultOk) << m;
-    EXPECT_EQ(text(), "rnbqkbnr/ppp1p1pp/8/3pPp2/8/8/PPPP1PPP/RNBQKBNR/ w KQkq f6");
+    for (const char* m : {"e2e4", "d7d5", "e4e5", "f7f5"}) ASSERT_EQ(playMove(m), ResultOk) << m;
+    EXPECT_EQ(boardString(), "rnbqkbnr/ppp1p1pp/8/3pPp2/8/8/PPPP1PPP/RNBQKBNR/ w KQkq f6");
 
     // A full board with every field at its widest: 82 characters.
     Game full = game;

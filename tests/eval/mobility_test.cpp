@@ -3,7 +3,7 @@
 // can be followed square by square.
 #include <gtest/gtest.h>
 
-#include "eval/evalgroups.h"
+#include "search/roots.h"
 #include "eval/mobility.h"
 
 using namespace board;
@@ -17,8 +17,7 @@ struct MobilityResult {
 };
 
 MobilityResult mobilityOf(const search::NodeState& node, int blackToMove) {
-    eval::EvalTerms terms{};
-    fillPawnAttacks(terms);
+    eval::EvalTerms terms = withPawnAttacks(node);
     const int score = eval::evaluateMobility(terms.whitePawnAttacks, terms.blackPawnAttacks, blackToMove, node, terms);
     return {score, terms.positional, terms.proximity};
 }

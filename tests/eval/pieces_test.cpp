@@ -1,7 +1,7 @@
 // Piece placement terms, each group on positions set up to show one rule.
 #include <gtest/gtest.h>
 
-#include "eval/evalgroups.h"
+#include "search/roots.h"
 #include "eval/pieces.h"
 
 using namespace board;
@@ -17,8 +17,7 @@ struct Case {
 
 eval::EvalTerms runTerm(Term term, const char* fen) {
     const search::NodeState node = rootNode(fen);
-    eval::EvalTerms terms{};
-    fillPawnAttacks(terms);
+    eval::EvalTerms terms = withPawnAttacks(node);
     term(node, terms);
     return terms;
 }

@@ -8,8 +8,7 @@
 
 #include "board/game.h"
 #include "board/movetext.h"
-#include "eval/evaltrace.h"
-#include "eval/rootnode.h"
+#include "search/roots.h"
 
 using namespace board;
 

@@ -6,11 +6,11 @@
 
 #include <string>
 
-#include "frontend/engineprocess.h"
+#include "frontend/engine.h"
 
 namespace {
 
-using testing_support::runEngine;
+using testing_support::transcript;
 
 const char* const StartBoard =
     "TCFDRFCT\n"
@@ -21,15 +21,6 @@ const char* const StartBoard =
     "........\n"
     "pppppppp\n"
     "tcfdrfct\n";
-
-// Runs `input` and returns standard output, after checking the run ended
-// normally.
-std::string transcript(const std::string& input) {
-    const auto run = runEngine(input);
-    EXPECT_FALSE(run.timedOut) << "input:\n" << input;
-    EXPECT_EQ(run.exitCode, 0) << run.err;
-    return run.out;
-}
 
 TEST(CommandLoopTranscript, IllegalMovesOfTheThreeKinds) {
     EXPECT_EQ(transcript("force\ne2e5\n"), "Illegal move: E2E5\n");
@@ -42,16 +33,11 @@ TEST(CommandLoopTranscript, IllegalMovesOfTheThreeKinds) {
               "R...d...\n........\n........\n........\n........\n........\n........\n....r...\n");
 }
 
-TEST(CommandLoopTranscript, MatesAreAnnouncedForEitherSide) {
+TEST(CommandLoopTranscript, GameEndsAreAnnouncedAndUndoRevivesTheGame) {
     EXPECT_EQ(transcript("force\ne2e4\ne7e5\nf1c4\nb8c6\nd1h5\ng8f6\nh5f7\n"), "1-0 {White mates}\n");
-}
-
-TEST(CommandLoopTranscript, GoAfterMateIsIgnoredAndUndoRevivesTheGame) {
+    // GO after a mate is ignored.
     EXPECT_EQ(transcript("force\nf2f3\ne7e5\ng2g4\nd8h4\ngo\nundo\nd8h4\n"),
               "0-1 {Black mates}\n0-1 {Black mates}\n");
-}
-
-TEST(CommandLoopTranscript, StalemateAndInsufficientMaterial) {
     EXPECT_EQ(transcript("force\nsetboard k7/8/1K6/8/8/8/8/2Q5 w - - 0 1\nc1c7\n"), "1/2-1/2 {Stalemate}\n");
     EXPECT_EQ(transcript("force\nsetboard k7/8/8/8/8/8/1p6/K7 w - - 0 1\na1b2\n"),
               "1/2-1/2 {Insufficient material}\n");
@@ -101,7 +87,11 @@ TEST(CommandLoopTranscript, SetboardRepliesWithTheSetupCode) {
     EXPECT_EQ(transcript("setboard 8/8/8/8/8/8/8/4K3 w - - 0 1\n"), "tellusererror Illegal position -3\n");
     EXPECT_EQ(transcript("setboard k7/8/8/8/8/8/QQQQQ3/QQQQQK2 w - - 0 1\n"),
               "tellusererror Illegal position -2\n");
-    EXPECT_EQ(transcript("SETBOARD 4k3/4R3/8/8/8/8/8/4K3 w - - 0 1\n"), "tellusererror Illegal position 524288\n");
+    // The side not to move in check: no moves, so none of the list from
+    // before may be played on it.
+    EXPECT_EQ(transcript("force\nSETBOARD 4k3/4R3/8/8/8/8/8/4K3 w - - 0 1\ne2e4\nprint\n"),
+              "tellusererror Illegal position 524288\nIllegal move: E2E4\n"
+              "....R...\n....t...\n........\n........\n........\n........\n........\n....r...\n");
     // A good set-up is silent; the FEN keeps its case through the normal form.
     EXPECT_EQ(transcript("SetBoard 4k3/8/8/8/8/8/p7/4K3 b - - 0 1\nprint\n"),
               "....R...\n........\n........\n........\n........\n........\nP.......\n....r...\n");
@@ -111,29 +101,18 @@ TEST(CommandLoopTranscript, SetboardRepliesWithTheSetupCode) {
               "TCFDRFCT\nPPPP.PPP\n........\n....P...\n....p...\n........\npppp.ppp\ntcfdrfct\n");
 }
 
-// A set-up with the side not to move in check has no moves: a move of the
-// list from before must not be played on it.
-TEST(CommandLoopTranscript, MovesAfterASetupWithTheWrongKingInCheckAreRefused) {
-    EXPECT_EQ(transcript("force\nsetboard 4k3/4R3/8/8/8/8/8/4K3 w - - 0 1\ne2e4\nprint\n"),
-              "tellusererror Illegal position 524288\nIllegal move: E2E4\n"
-              "....R...\n....t...\n........\n........\n........\n........\n........\n....r...\n");
-}
-
 TEST(CommandLoopTranscript, UnknownCommandsEchoTheUpperCasedLine) {
     EXPECT_EQ(transcript("hello World\n\nrejected usermove\n"),
               "Error (unknown command): HELLO WORLD\n"
               "Error (unknown command): \n"
               "Error (unknown command): REJECTED USERMOVE\n");
-    // Words bound to UCI mode fall through to the move test outside it.
-    EXPECT_EQ(transcript("isready\nstop\nposition startpos\nsetoption name Hash value 32\n"),
-              "Error (unknown command): ISREADY\n"
-              "Error (unknown command): STOP\n"
-              "Error (unknown command): POSITION STARTPOS\n"
-              "Error (unknown command): SETOPTION NAME HASH VALUE 32\n");
-    // Ten characters must open the line.
-    EXPECT_EQ(transcript("protover 3\n"), "Error (unknown command): PROTOVER 3\n");
     // A last line without its line feed is still a command.
     EXPECT_EQ(transcript("bogus"), "Error (unknown command): BOGUS\n");
+    // The loop reads lines in 2699-character pieces; the tail is a command.
+    EXPECT_EQ(transcript(std::string(2699, 'x') + "yz\n"),
+              "Error (unknown command): " + std::string(2699, 'X') + "\nError (unknown command): YZ\n");
+    // QUIT ends the reading.
+    EXPECT_EQ(transcript("quit\nhello\n"), "");
 }
 
 TEST(CommandLoopTranscript, SilentCommandsChangeNothing) {
@@ -143,39 +122,18 @@ TEST(CommandLoopTranscript, SilentCommandsChangeNothing) {
               StartBoard);
 }
 
+// NEW then restores the start position.
 TEST(CommandLoopTranscript, MovesAreNotTakenForCommandsOfTheSameLetters) {
-    EXPECT_EQ(transcript("force\ng1f3\ne7e5\ne2e4\nprint\n"),
-              "TCFDRFCT\nPPPP.PPP\n........\n....P...\n....p...\n.....c..\npppp.ppp\ntcfdrf.t\n");
-}
-
-TEST(CommandLoopTranscript, NewRestoresTheStartPosition) {
-    EXPECT_EQ(transcript("force\ne2e4\ne7e5\nnew\nprint\n"), StartBoard);
+    EXPECT_EQ(transcript("force\ng1f3\ne7e5\ne2e4\nprint\nnew\nprint\n"),
+              "TCFDRFCT\nPPPP.PPP\n........\n....P...\n....p...\n.....c..\npppp.ppp\ntcfdrf.t\n" +
+                  std::string(StartBoard));
 }
 
 TEST(CommandLoopTranscript, PingEchoesItsWholeTail) {
+    // Through the pending-output buffer, once each.
     EXPECT_EQ(transcript("ping 7\nPING 17\nping\n"), "pong 7\npong 17\npong\n");
     const std::string longTail(200, 'z');
     EXPECT_EQ(transcript("ping " + longTail + "\n"), "pong " + std::string(200, 'Z') + "\n");
-}
-
-TEST(CommandLoopTranscript, LongLinesAreReadIn2699CharacterPieces) {
-    const std::string full(2699, 'x');
-    EXPECT_EQ(transcript(full + "\n"), "Error (unknown command): " + std::string(2699, 'X') + "\n");
-    EXPECT_EQ(transcript(full + "\r\n"), "Error (unknown command): " + std::string(2699, 'X') + "\n");
-    EXPECT_EQ(transcript(full + "yz\n"),
-              "Error (unknown command): " + std::string(2699, 'X') + "\nError (unknown command): YZ\n");
-    // The tail is a command of its own.
-    EXPECT_EQ(transcript(std::string(2699, ' ') + "ping 5\n"),
-              "Error (unknown command): " + std::string(2699, ' ') + "\npong 5\n");
-}
-
-TEST(CommandLoopTranscript, CarriageReturnsBeforeLineFeedsAreDropped) {
-    EXPECT_EQ(transcript("force\r\ne2e4\r\nping 1\r\n"), "pong 1\n");
-}
-
-TEST(CommandLoopTranscript, QuitAndEndOfInputLeaveWithCodeZero) {
-    EXPECT_EQ(transcript("quit\nhello\n"), "");
-    EXPECT_EQ(transcript(""), "");
 }
 
 TEST(CommandLoopTranscript, EditDialoguePlacesPiecesForTheSideToMove) {
@@ -183,10 +141,7 @@ TEST(CommandLoopTranscript, EditDialoguePlacesPiecesForTheSideToMove) {
               "....R...\n........\n........\n........\n........\n........\n...p....\n....r...\npong 1\n");
     // The side to move stays White: a Black move is refused.
     EXPECT_EQ(transcript("force\nedit\n#\nKe1\nc\nKe8\n.\ne8e7\n"), "Illegal move: E8E7\n");
-}
-
-// A stray NUL byte in a dialogue line must not cost the line behind it.
-TEST(CommandLoopTranscript, EditDialogueLineWithNulByteKeepsTheNextLine) {
+    // A stray NUL byte in a dialogue line must not cost the line behind it.
     EXPECT_EQ(transcript(std::string("edit\nKe1\nz\0x\n.\nping 1\n", 22)), "pong 1\n");
 }
 

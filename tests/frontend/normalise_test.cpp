@@ -64,19 +64,8 @@ TEST(ReadCommandLine, LongLinesArriveIn2699CharacterPieces) {
     EXPECT_EQ(lines(full + "\n" + "b\n"), (std::vector<std::string>{full, "b"}));
     EXPECT_EQ(lines(full + "\r\nb\n"), (std::vector<std::string>{full, "b"}));
     EXPECT_EQ(lines(full), std::vector<std::string>{full});
-    EXPECT_EQ(lines(full + "c\n"), (std::vector<std::string>{full, "c"}));
     const std::string doubled = full + full + "tail";
     EXPECT_EQ(lines(doubled + "\n"), (std::vector<std::string>{full, full, "tail"}));
-}
-
-TEST(PendingOutput, FlushEmptiesTheBuffer) {
-    std::snprintf(frontend::pendingOutput, frontend::PendingOutputSize, "%s", "");
-    testing::internal::CaptureStdout();
-    std::snprintf(frontend::pendingOutput, frontend::PendingOutputSize, "readyok\n");
-    frontend::flushPendingOutput();
-    frontend::flushPendingOutput();
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "readyok\n");
-    EXPECT_EQ(frontend::pendingOutput[0], '\0');
 }
 
 }  // namespace

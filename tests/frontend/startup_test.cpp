@@ -6,7 +6,7 @@
 #include <regex>
 #include <string>
 
-#include "frontend/sandbox.h"
+#include "frontend/engine.h"
 
 namespace {
 
@@ -36,19 +36,8 @@ TEST(StartupTranscript, BannerShowsTheTableSizes) {
     const auto run = box.run("quit\n");
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_EQ(run.err, banner(SmallestTables, box.directory()));
-    box.writeConfig("");
-    EXPECT_EQ(box.run("quit\n").err, banner(SmallestTables, box.directory()));
     box.writeConfig("HASHTABLE=21\n");
     EXPECT_EQ(box.run("quit\n").err, banner(Tables21, box.directory()));
-}
-
-TEST(StartupTranscript, FileSettingsReachTheProtocol) {
-    EngineSandbox box;
-    box.writeConfig("RESIGNATION=0\nuse_book = 0\n");
-    const auto run = box.run("protover 2\n");
-    EXPECT_NE(run.out.find("feature option=\"RESIGN -check 0\"\nfeature option=\"USE BOOK -check 0\" done=1\n"),
-              std::string::npos)
-        << run.out;
 }
 
 TEST(StartupTranscript, TablebasePathsJoinTheProgramDirectory) {

@@ -33,28 +33,18 @@ protected:
     }
 };
 
-TEST_F(ResignRule, ThirdMoveInARowUnderAFallingMateScore) {
-    EXPECT_EQ(answers({-32692, -32694, -32696}), "001");
+TEST_F(ResignRule, ThirdMoveInARowUnderAFallingMateScoreWithinNinePlies) {
     // Once only: the fourth such move doesn't say it again.
-    EXPECT_EQ(answers({-32698}), "0");
-}
-
-TEST_F(ResignRule, ARowBrokenByAScoreThatDoesntFallStartsAgain) {
-    EXPECT_EQ(answers({-32692, -32694, -32694, -32695, -32696, -32697}), "000001");
-    EXPECT_EQ(answers({-32692, -32694, 15, -32692, -32694, -32696}), "000001") << "an ordinary score between";
-}
-
-TEST_F(ResignRule, OnlyMatesWithinNinePliesCount) {
+    EXPECT_EQ(answers({-32691, -32693, -32695, -32698}), "0010");
+    SetUp();
+    // A score that doesn't fall, or an ordinary one, starts the row again.
+    EXPECT_EQ(answers({-32692, -32694, -32694, -32695, 15, -32692, -32694, -32696}), "00000001");
+    SetUp();
     // Mated in ten plies or later: too far away to give up for.
     EXPECT_EQ(answers({-32600, -32650, -32690}), "000");
     SetUp();
-    EXPECT_EQ(answers({-32691, -32693, -32695}), "001");
-}
-
-TEST_F(ResignRule, NeverWhenSwitchedOff) {
     frontend::resignEnabled.store(0);
     EXPECT_EQ(answers({-32692, -32694, -32696, -32698}), "0000");
-    EXPECT_EQ(board::game.resignCount, 0);
 }
 
 TEST(PonderLine, ReplyAndAnswerAreKeptAndTheLineMovesOnTwoPlies) {

@@ -7,14 +7,13 @@
 #include <regex>
 #include <string>
 
-#include "frontend/engineprocess.h"
-#include "frontend/enginesession.h"
-#include "frontend/sandbox.h"
+#include "frontend/engine.h"
 
 namespace {
 
 using testing_support::EngineSandbox;
 using testing_support::runEngine;
+using testing_support::transcript;
 
 const std::string UciBlock =
     "id name Morvane 4.2\n"
@@ -23,13 +22,6 @@ const std::string UciBlock =
     "option name NalimovCache type spin default 4 min 1 max 16\n"
     "option name Hash type spin default 128 min 30 max 1000\n"
     "uciok\n";
-
-std::string transcript(const std::string& input) {
-    const auto run = runEngine(input);
-    EXPECT_FALSE(run.timedOut) << input;
-    EXPECT_EQ(run.exitCode, 0) << run.err;
-    return run.out;
-}
 
 TEST(UciTranscript, UciIsAWholeLineInAnyCase) {
     EXPECT_EQ(transcript("uci\n"), UciBlock);
@@ -53,14 +45,10 @@ TEST(UciTranscript, PositionPlaysItsMovesAndSkipsTheRest) {
     // Each startpos line replays from the start.
     EXPECT_EQ(transcript("uci\nposition startpos moves e2e4\nposition startpos moves d2d4\nprint\n"),
               UciBlock + "TCFDRFCT\nPPPPPPPP\n........\n........\n...p....\n........\nppp.pppp\ntcfdrfct\n");
-}
-
-// The fifth character counts only as a letter, for either colour's promotion.
-TEST(UciTranscript, PositionFenTakesPromotionLetters) {
-    EXPECT_EQ(transcript("uci\nposition fen 7k/4P3/8/8/8/8/p7/7K w - - 0 1 moves e7e8n a2a1r\nprint\n"),
+    // A promotion without its letter is skipped; the fifth character counts
+    // only as a letter, for either colour.
+    EXPECT_EQ(transcript("uci\nposition fen 7k/4P3/8/8/8/8/p7/7K w - - 0 1 moves e7e8 e7e8n a2a1r\nprint\n"),
               UciBlock + "....c..R\n........\n........\n........\n........\n........\n........\nT......r\n");
-    EXPECT_EQ(transcript("uci\nposition fen 7k/4P3/8/8/8/8/8/K7 w - - 0 1 moves e7e8\nprint\n"),
-              UciBlock + ".......R\n....p...\n........\n........\n........\n........\n........\nr.......\n");
 }
 
 TEST(UciTranscript, UnknownOptionsAndAnswersStaySilent) {

@@ -9,14 +9,14 @@
 #include <string>
 #include <vector>
 
-#include "frontend/engineprocess.h"
-#include "frontend/enginesession.h"
+#include "frontend/engine.h"
 
 namespace {
 
 using testing_support::EngineSession;
 using testing_support::nowMs;
 using testing_support::runEngine;
+using testing_support::transcript;
 
 // Generous bounds for waits that normally take a fraction of a second.
 constexpr int ReplyMs = 20000;
@@ -30,13 +30,6 @@ const char* const ShortThink = "level 0 1 0\ntime 3000\n";
 
 // A middle game with no book move, so that a think searches.
 const char* const MiddleGame = "setboard r1bq1rk1/ppp2ppp/2np1n2/2b1p3/2B1P3/2NP1N2/PPP2PPP/R1BQ1RK1 w - - 0 1\n";
-
-std::string transcript(const std::string& input) {
-    const auto run = runEngine(input);
-    EXPECT_FALSE(run.timedOut) << input;
-    EXPECT_EQ(run.exitCode, 0) << run.err;
-    return run.out;
-}
 
 bool isThinkingLine(const std::string& line) { return !line.empty() && std::isdigit((unsigned char)line[0]); }
 
@@ -239,13 +232,14 @@ TEST(XboardSession, AMateOnTheBoardEndsTheGameAndGoIsIgnored) {
 }
 
 // Two engines play a lost ending against each other: the defender resigns
-// behind its third move under a falling mate score, and only if allowed.
-void playTheLostEnding(bool resignAllowed, std::vector<std::string>& defenderLines) {
+// behind its third move under a falling mate score. Switching it off is
+// the flag the feature line shows and ResignRule covers.
+TEST(XboardSession, TheEngineResignsALostEndingOnItsThirdMove) {
     // White mates in three; the defender sees it from its first move on.
     const std::string setup = std::string("option USE BOOK=0\nsetboard 8/2k5/R7/8/8/8/1R6/6K1 b - - 0 1\n") +
                               "level 0 1 0\ntime 2000\n";
     EngineSession defender, attacker;
-    defender.send(setup + (resignAllowed ? "" : "option RESIGN=0\n") + "go\n");
+    defender.send(setup + "go\n");
     attacker.send(setup);
     for (int moves = 0; moves < 8; ++moves) {
         std::string move;
@@ -264,25 +258,11 @@ void playTheLostEnding(bool resignAllowed, std::vector<std::string>& defenderLin
     attacker.send("quit\n");
     EXPECT_EQ(defender.finish(ReplyMs), 0);
     EXPECT_EQ(attacker.finish(ReplyMs), 0);
-    defenderLines = defender.lines();
-}
-
-TEST(XboardSession, TheEngineResignsALostEndingOnItsThirdMove) {
-    std::vector<std::string> lines;
-    playTheLostEnding(true, lines);
     std::vector<std::string> moves;
-    for (const auto& line : lines)
+    for (const auto& line : defender.lines())
         if (line.rfind("move ", 0) == 0 || line == "resign") moves.push_back(line);
     ASSERT_EQ(moves.size(), 4u);
     EXPECT_EQ(moves[3], "resign");
-}
-
-TEST(XboardSession, NoResignationWhenSwitchedOff) {
-    std::vector<std::string> lines;
-    playTheLostEnding(false, lines);
-    EXPECT_EQ(count(lines, "resign"), 0);
-    EXPECT_EQ(count(lines, "move "), 3);
-    EXPECT_EQ(lines[lines.size() - 2], "1-0 {White mates}") << "the defender plays on until it is mated";
 }
 
 }  // namespace

@@ -4,14 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <pthread.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include <signal.h>
 
 #include <atomic>
-#include <csignal>
 #include <cstring>
-#include <string>
 
+#include "frontend/engine.h"
 #include "platform/clock.h"
 #include "platform/fatal.h"
 #include "platform/path.h"
@@ -25,16 +23,6 @@ TEST(Platform, SleepAdvancesTheTick) {
     const std::uint32_t elapsed = platform::tickCount() - before;
     EXPECT_GE(elapsed, 30u);
     EXPECT_LT(elapsed, 2000u);
-}
-
-TEST(Platform, LocalDateIsPlausible) {
-    platform::LocalDate date;
-    ASSERT_TRUE(platform::localDate(date));
-    EXPECT_GE(date.year, 2020);
-    EXPECT_GE(date.month, 1);
-    EXPECT_LE(date.month, 12);
-    EXPECT_GE(date.day, 1);
-    EXPECT_LE(date.day, 31);
 }
 
 struct ThreadProbe {
@@ -112,35 +100,13 @@ TEST(PlatformDeathTest, FatalExitsWithCodeOne) {
 // xboard sends SIGINT to the engine during every game; the engine must
 // survive it and keep answering.
 TEST(Signals, EngineSurvivesAnInterrupt) {
-    int toEngine[2], fromEngine[2];
-    ASSERT_EQ(pipe(toEngine), 0);
-    ASSERT_EQ(pipe(fromEngine), 0);
-    const pid_t child = fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-        std::signal(SIGINT, SIG_DFL);  // as an interface starts it
-        dup2(toEngine[0], 0);
-        dup2(fromEngine[1], 1);
-        close(toEngine[1]);
-        close(fromEngine[0]);
-        const std::string engine = std::string(MORVANE_BIN_DIR) + "/morvane";
-        execl(engine.c_str(), engine.c_str(), static_cast<char*>(nullptr));
-        _exit(127);
-    }
-    close(toEngine[0]);
-    close(fromEngine[1]);
-    ASSERT_EQ(write(toEngine[1], "new\n", 4), 4);
-    usleep(300000);  // start-up done, the signal lands in the command loop
-    kill(child, SIGINT);
-    usleep(100000);
-    ASSERT_EQ(write(toEngine[1], "ping 7\nquit\n", 12), 12);
-    close(toEngine[1]);
-    std::string out;
-    char buffer[256];
-    for (ssize_t n; (n = read(fromEngine[0], buffer, sizeof buffer)) > 0;) out.append(buffer, std::size_t(n));
-    close(fromEngine[0]);
-    int status = 0;
-    waitpid(child, &status, 0);
-    EXPECT_FALSE(WIFSIGNALED(status));
-    EXPECT_NE(out.find("pong 7"), std::string::npos);
+    testing_support::EngineSession engine;
+    ASSERT_TRUE(engine.running());
+    engine.send("new\nping 1\n");
+    ASSERT_TRUE(engine.waitForPrefix("pong 1", 20000));  // start-up done: the signal lands in the command loop
+    kill(engine.pid(), SIGINT);
+    platform::sleepMs(100);
+    engine.send("ping 7\n");
+    EXPECT_TRUE(engine.waitForPrefix("pong 7", 20000));
+    EXPECT_EQ(engine.finish(20000), 0);
 }

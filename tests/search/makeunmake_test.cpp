@@ -12,7 +12,7 @@
 #include "eval/pst.h"
 #include "search/make.h"
 #include "search/movegen.h"
-#include "search/searchroot.h"
+#include "search/roots.h"
 
 namespace {
 
@@ -145,7 +145,7 @@ struct TreeCheck {
     }
 
     void run(const char* fen, int depth) {
-        const NodeState root = searchRoot(fen);
+        const NodeState root = rootNode(fen);
         std::memcpy(rootPstWhite, eval::pstWhite, sizeof rootPstWhite);
         std::memcpy(rootPstBlack, eval::pstBlack, sizeof rootPstBlack);
         const NodeState f = fresh(root);
@@ -182,7 +182,7 @@ TEST(MakeUnmake, IncrementalFieldsMatchAFreshSetUpOverWholeTrees) {
 // The generator offers castling through an attacked square; the child's
 // legality test refuses it, while the other castling stays legal.
 TEST(MakeUnmake, CastlingThroughAttackedSquareIsRefusedByTheChild) {
-    NodeState root = searchRoot("4k3/8/8/8/8/8/5r2/R3K2R w KQ -");
+    NodeState root = rootNode("4k3/8/8/8/8/8/5r2/R3K2R w KQ -");
     Move list[MoveListSize];
     generateAllWhite(list, 0, 0, checkerOfWhiteKing(), root, MoveListSize);
     bool offeredShort = false, offeredLong = false;
@@ -201,18 +201,18 @@ TEST(MakeUnmake, CastlingThroughAttackedSquareIsRefusedByTheChild) {
 
 // The check test names the first White attacker by id, kings not asked.
 TEST(MakeUnmake, CheckTestNamesTheFirstAttacker) {
-    searchRoot("4k3/8/3N4/8/8/8/8/4R1K1 b - -");  // double check by rook and knight
+    rootNode("4k3/8/3N4/8/8/8/8/4R1K1 b - -");  // double check by rook and knight
     const int rook = searchBoard.boardPiece[squareOf("e1")];
     ASSERT_LT(rook, searchBoard.boardPiece[squareOf("d6")]);
     EXPECT_EQ(checkerOfBlackKing(), rook);
-    searchRoot("4k3/8/8/8/8/8/8/4K3 b - -");
+    rootNode("4k3/8/8/8/8/8/8/4K3 b - -");
     EXPECT_EQ(checkerOfBlackKing(), 0);
 }
 
 // A node's history entry: key, move, side and irreversible bits, while the
 // captured-id bits stay; fiftyCounter restarts at an irreversible or null move.
 TEST(MakeUnmake, HistoryEntryRecordsTheNodesMove) {
-    NodeState node = searchRoot("4k3/8/8/8/8/8/4P3/4K1N1 w - -");
+    NodeState node = rootNode("4k3/8/8/8/8/8/4P3/4K1N1 w - -");
     node.fiftyCounter = 7;
     node.ply = 1;
     GameHistoryEntry& entry = game.history[game.historyTop + 1];

@@ -8,7 +8,7 @@
 
 #include "search/make.h"
 #include "search/movegen.h"
-#include "search/searchroot.h"
+#include "search/roots.h"
 
 namespace {
 
@@ -24,7 +24,7 @@ Move findWord(const Move* list, Move lowTwelve) {
 // A capture that promotes carries the capture mark on its knight word only;
 // an underpromotion by capture thus reads as not quiet through bit 14 alone.
 TEST(SearchMovegen, PromotionByCaptureMarksOnlyTheKnightWord) {
-    const NodeState node = searchRoot("1r2k3/P7/8/8/8/8/8/4K3 w - -");
+    const NodeState node = rootNode("1r2k3/P7/8/8/8/8/8/4K3 w - -");
     Move list[MoveListSize];
     generateAllWhite(list, 0, 0, 0, node);
     int seen = 0;
@@ -40,7 +40,7 @@ TEST(SearchMovegen, PromotionByCaptureMarksOnlyTheKnightWord) {
 // En passant only right after the double step beside the pawn, and a pawn
 // on the edge has one neighbour.
 TEST(SearchMovegen, EnPassantFollowsTheParentsDoubleStep) {
-    const NodeState node = searchRoot("4k3/8/8/8/Pp6/8/8/4K3 b - -");
+    const NodeState node = rootNode("4k3/8/8/8/Pp6/8/8/4K3 b - -");
     Move list[MoveListSize];
     generateAllBlack(list, squareOf("a2"), squareOf("a4"), 0, node);
     const Move ep = findWord(list, makeMove(squareOf("b4"), squareOf("a3")));
@@ -54,7 +54,7 @@ TEST(SearchMovegen, EnPassantFollowsTheParentsDoubleStep) {
 
 TEST(SearchMovegen, CaptureGeneratorScoresByValuesAlone) {
     // The pawn on b7 can push to b8 or take the queen on a8, both promoting.
-    searchRoot("q3k3/1P6/8/8/8/8/8/3RK3 b - -");
+    rootNode("q3k3/1P6/8/8/8/8/8/3RK3 b - -");
     Move list[MoveListSize];
     generateCapturesWhite(list, 0, 0);
     EXPECT_EQ(wordScore(findWord(list, makeMove(squareOf("b7"), squareOf("b8")))), 10614u);
@@ -73,7 +73,7 @@ TEST(SearchMovegen, ScoresComeFromHistoryKillersAndCounters) {
     clearHistory();
     clearKillers();
     clearCounters();
-    NodeState node = searchRoot("4k3/8/8/3p4/4P3/8/8/R3K2N w - -");
+    NodeState node = rootNode("4k3/8/8/3p4/4P3/8/8/R3K2N w - -");
     node.ply = 3;
     const Move capture = makeMove(squareOf("e4"), squareOf("d5")) | CaptureMark;
     const Move killer = makeMove(squareOf("a1"), squareOf("a7"));
@@ -101,7 +101,7 @@ TEST(SearchMovegen, ScoresComeFromHistoryKillersAndCounters) {
 }
 
 TEST(SearchMovegen, RootTakesTheDriversOrder) {
-    NodeState node = searchRoot("4k3/8/8/8/8/8/8/R3K3 w - -");
+    NodeState node = rootNode("4k3/8/8/8/8/8/8/R3K3 w - -");
     node.ply = 0;
     std::memset(rootMoves, 0, sizeof rootMoves);
     rootMoves[0] = makeMove(squareOf("a1"), squareOf("a8")) | 77 << 16;
@@ -153,42 +153,42 @@ TEST(SearchMovegen, KillerIsNotStoredTwice) {
 TEST(SearchMovegen, ChecksKingSeesDirectPinnedAndDiscoveredAttacks) {
     const int e1 = squareOf("e1"), g1 = squareOf("g1");
     // The bishop that pins the knight against the king counts.
-    NodeState node = searchRoot("4k3/8/8/2b5/8/8/3N4/4K3 b - -");
+    NodeState node = rootNode("4k3/8/8/2b5/8/8/3N4/4K3 b - -");
     EXPECT_TRUE(checksWhiteKing(makeMove(squareOf("c5"), squareOf("b4")), e1, node));
     EXPECT_FALSE(checksWhiteKing(makeMove(squareOf("c5"), squareOf("d6")), e1, node));
-    node = searchRoot("4k3/8/8/8/8/8/8/2n3K1 b - -");
+    node = rootNode("4k3/8/8/8/8/8/8/2n3K1 b - -");
     EXPECT_TRUE(checksWhiteKing(makeMove(squareOf("c1"), squareOf("e2")), g1, node));
     EXPECT_FALSE(checksWhiteKing(makeMove(squareOf("c1"), squareOf("d3")), g1, node));
-    node = searchRoot("4k3/8/8/8/8/5p2/8/4K3 b - -");
+    node = rootNode("4k3/8/8/8/8/5p2/8/4K3 b - -");
     EXPECT_TRUE(checksWhiteKing(makeMove(squareOf("f3"), squareOf("f2")), e1, node));
     // The knight leaves the line between its own rook and the White king.
-    node = searchRoot("k3r3/8/8/8/4n3/8/8/4K3 b - -");
+    node = rootNode("k3r3/8/8/8/4n3/8/8/4K3 b - -");
     EXPECT_TRUE(checksWhiteKing(makeMove(squareOf("e4"), squareOf("c5")), e1, node));
-    node = searchRoot("k7/8/8/8/4n3/8/8/4K3 b - -");
+    node = rootNode("k7/8/8/8/4n3/8/8/4K3 b - -");
     EXPECT_FALSE(checksWhiteKing(makeMove(squareOf("e4"), squareOf("c5")), e1, node));
     // The mirror: a White rook move giving check along the rank.
-    node = searchRoot("4k3/8/8/8/8/8/8/R3K3 w - -");
+    node = rootNode("4k3/8/8/8/8/8/8/R3K3 w - -");
     EXPECT_TRUE(checksBlackKing(makeMove(squareOf("a1"), squareOf("a8")), squareOf("e8"), node));
 }
 
 TEST(SearchMovegen, PassedPawnIgnoresPawnsBesideOrBehind) {
-    NodeState node = searchRoot("4k3/8/8/8/4p3/8/3P4/K7 b - -");
+    NodeState node = rootNode("4k3/8/8/8/4p3/8/3P4/K7 b - -");
     EXPECT_EQ(isPassedBlack(squareOf("e4"), node), 0);
-    node = searchRoot("4k3/8/8/3P4/4p3/8/8/K7 b - -");
+    node = rootNode("4k3/8/8/3P4/4p3/8/8/K7 b - -");
     EXPECT_EQ(isPassedBlack(squareOf("e4"), node), 1);
-    node = searchRoot("4k3/8/8/8/3Pp3/8/8/K7 b - -");
+    node = rootNode("4k3/8/8/8/3Pp3/8/8/K7 b - -");
     EXPECT_EQ(isPassedBlack(squareOf("e4"), node), 1);
-    node = searchRoot("4k3/8/8/8/4p3/8/4N3/6K1 b - -");
+    node = rootNode("4k3/8/8/8/4p3/8/4N3/6K1 b - -");
     EXPECT_EQ(isPassedBlack(squareOf("e4"), node), 0) << "a White piece ahead on the file";
-    node = searchRoot("7k/5p2/8/4P3/8/8/8/4K3 w - -");
+    node = rootNode("7k/5p2/8/4P3/8/8/8/4K3 w - -");
     EXPECT_EQ(isPassedWhite(squareOf("e5"), node), 0);
-    node = searchRoot("7k/8/8/4P3/5p2/8/8/4K3 w - -");
+    node = rootNode("7k/8/8/4P3/5p2/8/8/4K3 w - -");
     EXPECT_EQ(isPassedWhite(squareOf("e5"), node), 1);
 }
 
 // A list never grows past its room: the generator keeps the first moves.
 TEST(SearchMovegen, GeneratorRespectsTheListRoom) {
-    const NodeState node = searchRoot("R6R/3Q4/1Q4Q1/4Q3/2Q4Q/Q4Q2/pp1Q4/kBNN1KB1 w - -");
+    const NodeState node = rootNode("R6R/3Q4/1Q4Q1/4Q3/2Q4Q/Q4Q2/pp1Q4/kBNN1KB1 w - -");
     Move list[SearchListRoom + 1];
     list[SearchListRoom] = 0x7fff;
     EXPECT_EQ(generateAllWhite(list, 0, 0, 0, node), SearchListRoom - 1);

@@ -87,7 +87,7 @@ int searchOf(board::Move move, unsigned flags, int depth, int alpha, int beta, c
     SearchBoard& b = searchBoard;
 
     // ---- entry
-    if (++timeCheckCounter >= TimeCheckInterval) {
+    if (++timeCheckCounter >= timeCheckInterval) {
         checkTime();
         timeCheckCounter = 0;
     }

@@ -7,6 +7,7 @@ namespace search {
 std::atomic<int> abortSearch{0};
 std::jmp_buf abortJump;
 int timeCheckCounter = 0;
+int timeCheckInterval = TimeCheckInterval;
 std::atomic<std::uint32_t> nodeCount{0};
 std::atomic<std::uint32_t> moveCount{0};
 std::atomic<std::uint32_t> interiorCount{0};

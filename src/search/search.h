@@ -55,7 +55,14 @@ extern std::atomic<int> abortSearch;
 extern std::jmp_buf abortJump;
 // Node entries since the last checkTime call.
 extern int timeCheckCounter;
+// Node entries between two checkTime calls, set by startClock. Limits of 10
+// seconds and more keep the full interval (about 150 ms of search); a shorter
+// limit is checked in proportion, so that a think of a tenth of a second in a
+// fast game doesn't overrun its time by more than a few percent.
+extern int timeCheckInterval;
 constexpr int TimeCheckInterval = 250000;
+constexpr int TimeCheckNodesPerTenth = 2500;
+constexpr int TimeCheckMinimum = 1000;
 
 // Statistics of the think, cleared by the driver. The main thread may read
 // them for its status line, hence relaxed atomics (plain loads and stores).

@@ -198,6 +198,9 @@ void startClock(int softTenths, int hardTenths) {
     softTimeUp = 0;
     softLimit = softTenths;
     hardLimit = hardTenths;
+    timeCheckInterval = hardTenths >= TimeCheckInterval / TimeCheckNodesPerTenth
+                            ? TimeCheckInterval
+                            : std::max(TimeCheckMinimum, hardTenths * TimeCheckNodesPerTenth);
     clockStart = platform::tickCount();
 }
 

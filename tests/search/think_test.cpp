@@ -83,6 +83,21 @@ TEST_F(ThinkTest, TimeLimitsEndTheThink) {
     EXPECT_TRUE(abortSearch.load()) << "the stop flag stays set after the think";
 }
 
+// A think of a tenth of a second is checked often enough not to overrun it
+// (fast games were lost on time); long thinks keep the cheap interval.
+TEST_F(ThinkTest, ShortLimitsAreCheckedInProportion) {
+    startClock(1, 1);
+    EXPECT_EQ(timeCheckInterval, TimeCheckNodesPerTenth);
+    startClock(10, 30);
+    EXPECT_EQ(timeCheckInterval, 30 * TimeCheckNodesPerTenth);
+    startClock(0, 0);
+    EXPECT_EQ(timeCheckInterval, TimeCheckMinimum);
+    startClock(600, 1200);
+    EXPECT_EQ(timeCheckInterval, TimeCheckInterval);
+    startClock(NoTimeLimit, NoTimeLimit);
+    EXPECT_EQ(timeCheckInterval, TimeCheckInterval);
+}
+
 // A stop before the first iteration has a root score leaves the think with
 // no result. Two stops make it certain: the main thread's flag, raised over
 // and over from the start, and limits of 0 that the first time check

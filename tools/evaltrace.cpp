@@ -10,10 +10,8 @@
 
 #include "board/fen.h"
 #include "board/game.h"
-#include "board/keys.h"
 #include "eval/evaluate.h"
 #include "eval/phase.h"
-#include "eval/setup.h"
 #include "search/hashtable.h"
 #include "search/searchboard.h"
 
@@ -47,13 +45,7 @@ int main(int argc, char** argv) {
         return 1;
     }
     board::Position& position = *board::game.position;
-    board::computeKeys(position);
-    eval::setupEvaluation(position);
-    position.ply = 0;
-    position.fiftyCounter = 0;
-    search::NodeState node;
-    search::buildNodeState(node, position);
-    search::setPromotedMask(node, position);
+    const search::NodeState node = search::prepareRootNode(position);
 
     eval::EvalTerms terms{};
     eval::evalTrace = &terms;

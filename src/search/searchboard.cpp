@@ -5,6 +5,7 @@
 
 #include "board/keys.h"
 #include "eval/pst.h"
+#include "eval/setup.h"
 
 namespace search {
 
@@ -125,6 +126,17 @@ bool nodeStateIsOk(const NodeState& state) {
     }
     assert(state.phaseClass >= 0 && state.phaseClass <= 5 && "nodeStateIsOk: phaseClass");
     return std::memcmp(&fresh, &state, sizeof fresh) == 0;
+}
+
+NodeState prepareRootNode(Position& position) {
+    computeKeys(position);
+    eval::setupEvaluation(position);
+    position.ply = 0;
+    position.fiftyCounter = 0;
+    NodeState node;
+    buildNodeState(node, position);
+    setPromotedMask(node, position);
+    return node;
 }
 
 }  // namespace search

@@ -46,6 +46,11 @@ void buildNodeState(NodeState& state, const board::Position& position);
 // Marks the pawn slots that stand on the board as queens.
 void setPromotedMask(NodeState& state, const board::Position& position);
 
+// Makes `position` the root of a search as the evaluation sees it (keys,
+// evaluation set-up, ply 0, fiftyCounter 0) and returns its NodeState, with
+// searchBoard loaded: how evaltrace and the evaluation's checks start.
+NodeState prepareRootNode(board::Position& position);
+
 // Recomputes from searchBoard everything that make keeps incrementally:
 // counts, keys (with state's castleState), material, pstScore (from the
 // current eval tables), pawnFiles and promotedMask. Other fields are kept.

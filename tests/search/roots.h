@@ -20,16 +20,7 @@
 #include "search/searchboard.h"
 
 // `position` becomes the root of a search with fiftyCounter 0.
-inline search::NodeState rootFromPosition(board::Position& position) {
-    board::computeKeys(position);
-    eval::setupEvaluation(position);
-    position.ply = 0;
-    position.fiftyCounter = 0;
-    search::NodeState node;
-    search::buildNodeState(node, position);
-    search::setPromotedMask(node, position);
-    return node;
-}
+inline search::NodeState rootFromPosition(board::Position& position) { return search::prepareRootNode(position); }
 
 inline search::NodeState rootNode(const char* fen) {
     EXPECT_EQ(board::setupFromFen(board::game, fen), 0) << fen;

@@ -17,10 +17,10 @@
 #include "board/game.h"
 #include "board/movetext.h"
 #include "book/book.h"
-#include "eval/pawns.h"
+#include "eval/pawnhash.h"
 #include "frontend/commandloop.h"
 #include "search/hashtable.h"
-#include "search/movegen.h"
+#include "search/ordering.h"
 #include "search/think.h"
 
 namespace {
@@ -111,7 +111,7 @@ int main(int argc, char** argv) {
         // Every position starts from nothing learned, so its count doesn't
         // depend on the ones before it.
         search::clearHash();
-        search::clearPawnHash();
+        eval::clearPawnHash();
         search::clearHistory();
 
         int reached = depth;

@@ -11,9 +11,10 @@
 #include "board/fen.h"
 #include "board/game.h"
 #include "eval/evaluate.h"
-#include "eval/phase.h"
+#include "eval/pawnhash.h"
+#include "eval/setup.h"
+#include "position/phase.h"
 #include "search/hashtable.h"
-#include "search/searchboard.h"
 
 namespace {
 
@@ -22,8 +23,8 @@ constexpr std::int64_t TraceHashBytes = 0;
 
 // Every score starts from an empty pawn hash, so that no result depends on
 // what an earlier call left there.
-int evaluateFresh(int blackToMove, const search::NodeState& node) {
-    search::clearPawnHash();
+int evaluateFresh(int blackToMove, const position::NodeState& node) {
+    eval::clearPawnHash();
     return eval::evaluate(blackToMove, node);
 }
 
@@ -44,8 +45,8 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "evaltrace: illegal position (%d)\n", setup);
         return 1;
     }
-    board::Position& position = *board::game.position;
-    const search::NodeState node = search::prepareRootNode(position);
+    board::Position& root = *board::game.position;
+    const position::NodeState node = eval::prepareRootNode(root);
 
     eval::EvalTerms terms{};
     eval::evalTrace = &terms;
@@ -53,7 +54,7 @@ int main(int argc, char** argv) {
     eval::evalTrace = nullptr;
     // Without pawns the score is the ending rule alone: no piece-square sum
     // takes part, so none is shown.
-    const int pst = node.phaseClass == eval::PhaseNoPawns ? 0 : node.pstScore;
+    const int pst = node.phaseClass == position::PhaseNoPawns ? 0 : node.pstScore;
 
     std::printf("class %d\n", node.phaseClass);
     std::printf("materialScore %d\n", terms.materialScore);

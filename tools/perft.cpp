@@ -15,7 +15,7 @@
 #include "board/game.h"
 #include "board/movetext.h"
 #include "board/perft.h"
-#include "search/searchperft.h"
+#include "position/perft.h"
 
 namespace {
 
@@ -59,13 +59,13 @@ int main(int argc, char** argv) {
     if (searchMode && divide) {
         board::Move moves[board::MoveListSize];
         std::uint64_t counts[board::MoveListSize];
-        const int n = search::searchPerftDivide(root, board::game.sideToMove, int(depth), moves, counts);
+        const int n = position::searchPerftDivide(root, board::game.sideToMove, int(depth), moves, counts);
         for (int i = 0; i < n; ++i) {
             printDivide(moves[i], counts[i]);
             nodes += counts[i];
         }
     } else if (searchMode) {
-        nodes = search::searchPerft(root, board::game.sideToMove, int(depth));
+        nodes = position::searchPerft(root, board::game.sideToMove, int(depth));
     } else {
         nodes = divide ? board::perftGameDivide(root, board::game.sideToMove, board::game.legalMoves, int(depth),
                                                 printDivide)

@@ -54,7 +54,6 @@ int typeOn(const Position& position, int square) {
     return id >= 0 && id < NoPiece ? position.pieceType[id] : NoType;
 }
 
-constexpr Move FromToSpecialMask = 0x7fff;
 
 }  // namespace
 
@@ -116,19 +115,19 @@ void formatSanFromList(char* text, std::size_t capacity, Move move, const Move* 
 // list word brings castling and en passant. The line stops early at a move
 // that its position doesn't allow, and after a move that leaves no reply, so
 // a stale line never reaches the scan as garbage.
-void formatVariationSan(char* text, std::size_t capacity, int ply, int side, const Move* list,
+void formatVariationSan(char* text, std::size_t capacity, const Move* line, int ply, int side, const Move* list,
                         const Position& position, int mark) {
     Position current = position;
     Move replies[MoveListSize];
     const Move* moves = list;
-    for (; ply >= 0 && ply < search::LineMoves; ++ply) {
-        const Move wanted = search::displayLine[ply];
+    for (; ply >= 0 && ply < VariationMoves; ++ply) {
+        const Move wanted = line[ply];
         if (wanted == NoMove) break;
         const Move* found = findInList(moves, wanted, FromToMask);
         if (found != nullptr && isPromotion(*found)) found = findInList(moves, wanted, FromToSpecialMask);
         const int type = typeOn(current, moveFrom(wanted));
         if (found == nullptr || type == NoType) break;
-        const Move move = *found & LowMoveMask;
+        const Move move = moveHalf(*found);
         const bool isCapture = current.boardPiece[moveTo(move)] != NoPiece;
         formatSanPart(text, capacity, move, type, isCapture, disambiguatorFor(move, type, moves, current));
         if (ply == 0) appendText(text, capacity, markText(mark));
@@ -141,11 +140,11 @@ void formatVariationSan(char* text, std::size_t capacity, int ply, int side, con
 }
 
 // UCI's pv: coordinate moves each followed by a blank, the mark glued to the first.
-void formatVariationCoordinate(char* text, std::size_t capacity, int mark) {
+void formatVariationCoordinate(char* text, std::size_t capacity, const Move* line, int mark) {
     if (capacity == 0) return;
     text[0] = '\0';
-    for (int ply = 0; ply < search::LineMoves; ++ply) {
-        const Move move = search::displayLine[ply];
+    for (int ply = 0; ply < VariationMoves; ++ply) {
+        const Move move = line[ply];
         if (move == NoMove) break;
         char piece[SanMoveSize + 2];
         formatCoordinateMove(move, piece);

@@ -8,15 +8,18 @@
 #include <cstddef>
 
 #include "board/types.h"
-#include "search/displayline.h"
 
 namespace board {
 
 // Longest short algebraic move: letter, disambiguator, "x", square, "=Q" and
 // the blank make 8; then the terminator.
 constexpr int SanMoveSize = 9;
+// A variation is at most this many words: its moves (score in the upper
+// half) and the 0 word that ends them.
+constexpr int VariationWords = 60;
+constexpr int VariationMoves = VariationWords - 1;
 // Room for the longest variation in either notation, mark and terminator included.
-constexpr int VariationTextSize = search::LineMoves * (SanMoveSize - 1) + 2;
+constexpr int VariationTextSize = VariationMoves * (SanMoveSize - 1) + 2;
 
 // `mark` of the variation printers: -1 none, 1 "!", any other "?".
 constexpr int MarkNone = -1;
@@ -29,13 +32,13 @@ constexpr int MarkFailLow = 0;
 void formatSanPart(char* text, std::size_t capacity, Move move, int type, bool isCapture, char disambiguator);
 // Appends `move` as found in the legal `list` of `position`.
 void formatSanFromList(char* text, std::size_t capacity, Move move, const Move* list, const Position& position);
-// Appends search::displayLine from `ply` on, played forward from `position`
+// Appends the variation `line` from `ply` on, played forward from `position`
 // with `list` as the moves of `side`; the mark stands behind the first
-// move's blank. The caller holds lineLock.
-void formatVariationSan(char* text, std::size_t capacity, int ply, int side, const Move* list,
+// move's blank.
+void formatVariationSan(char* text, std::size_t capacity, const Move* line, int ply, int side, const Move* list,
                         const Position& position, int mark);
-// Writes search::displayLine in coordinate form, the mark directly behind the
-// first move. The caller holds lineLock.
-void formatVariationCoordinate(char* text, std::size_t capacity, int mark);
+// Writes the variation `line` in coordinate form, the mark directly behind
+// the first move.
+void formatVariationCoordinate(char* text, std::size_t capacity, const Move* line, int mark);
 
 }  // namespace board

@@ -3,52 +3,12 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "board/side.h"
 #include "board/tables.h"
 
 namespace board {
 
 namespace {
-
-// What differs between the twins, told for the side that makes the move.
-template <Color Mover>
-struct ScanSide;
-
-template <>
-struct ScanSide<White> {
-    static constexpr Color replier = Black;
-    static constexpr int materialSign = 1;  // a capture raises White's balance
-    static constexpr int ownRookA = WhiteRookAId, ownRookH = WhiteRookHId;
-    static constexpr int enemyRookA = BlackRookAId, enemyRookH = BlackRookHId;
-    static constexpr int rookShortFrom = H1, rookShortTo = F1;
-    static constexpr int rookLongFrom = A1, rookLongTo = D1;
-    static constexpr int behind = -8;  // from an en passant target to the pawn taken
-    static constexpr int doubleFromRank = 1, doubleToRank = 3;
-    // The replier's castling: its constant and the squares that must be empty.
-    static constexpr Move replyShort = BlackShortCastle;
-    static constexpr Move replyLong = BlackLongCastle;
-    static constexpr int rookShortHome = H8, rookLongHome = A8;
-    static constexpr int replyShortEmpty[2] = {F8, G8};
-    static constexpr int replyLongEmpty[3] = {D8, C8, B8};
-    static const MoveStep (&replyMoves())[5][64][MoveStepRoom] { return blackMoves; }
-};
-
-template <>
-struct ScanSide<Black> {
-    static constexpr Color replier = White;
-    static constexpr int materialSign = -1;
-    static constexpr int ownRookA = BlackRookAId, ownRookH = BlackRookHId;
-    static constexpr int enemyRookA = WhiteRookAId, enemyRookH = WhiteRookHId;
-    static constexpr int rookShortFrom = H8, rookShortTo = F8;
-    static constexpr int rookLongFrom = A8, rookLongTo = D8;
-    static constexpr int behind = 8;
-    static constexpr int doubleFromRank = 6, doubleToRank = 4;
-    static constexpr Move replyShort = WhiteShortCastle;
-    static constexpr Move replyLong = WhiteLongCastle;
-    static constexpr int rookShortHome = H1, rookLongHome = A1;
-    static constexpr int replyShortEmpty[2] = {F1, G1};
-    static constexpr int replyLongEmpty[3] = {D1, C1, B1};
-    static const MoveStep (&replyMoves())[5][64][MoveStepRoom] { return whiteMoves; }
-};
 
 // Whether the piece `attacker` attacks square t on the board of `p`.
 bool attacks(const Position& p, int attacker, int t) {
@@ -88,10 +48,11 @@ bool squareAttacked(const Position& p, Color by, int t) {
 // Makes `move` of Mover on `w`; returns the id captured (32 if none).
 template <Color Mover>
 int makeScanMove(Position& w, Move move) {
-    using S = ScanSide<Mover>;
-    constexpr Color enemy = S::replier;
-    constexpr int ownShort = castleShortIndex(Mover), ownLong = castleLongIndex(Mover);
-    constexpr int enemyShort = castleShortIndex(enemy), enemyLong = castleLongIndex(enemy);
+    using S = Side<Mover>;
+    using T = Side<S::them>;
+    constexpr Color enemy = S::them;
+    constexpr int ownShort = S::shortIndex, ownLong = S::longIndex;
+    constexpr int enemyShort = T::shortIndex, enemyLong = T::longIndex;
     const int from = moveFrom(move), to = moveTo(move), special = moveSpecial(move);
     const int id = w.boardPiece[from];
     int captured = w.boardPiece[to];
@@ -101,51 +62,51 @@ int makeScanMove(Position& w, Move move) {
 
     if (captured != NoPiece) {
         const int v = w.pieceValue[captured];
-        w.materialBalance += S::materialSign * v;
+        w.materialBalance += S::sign * v;
         w.pieceSquare[captured] = NoSquare;
-        if (w.pieceType[captured] != pawnTypeOf(enemy)) {
+        if (w.pieceType[captured] != T::pawnType) {
             w.pieceCount[enemy] -= 1;
             w.materialTotal[enemy] -= v;
         } else {
             w.pawnCount[enemy] -= 1;
         }
         // Rights go by rook id, not by square.
-        if (captured == S::enemyRookH && w.castleState[enemyShort] == CastleRight)
+        if (captured == T::rookHId && w.castleState[enemyShort] == CastleRight)
             w.castleState[enemyShort] = CastleLost;
-        else if (captured == S::enemyRookA && w.castleState[enemyLong] == CastleRight)
+        else if (captured == T::rookAId && w.castleState[enemyLong] == CastleRight)
             w.castleState[enemyLong] = CastleLost;
     }
 
     switch (special) {
         case SpecialNone:
-            if (id == idBase(Mover) + SlotKing) {
+            if (id == S::kingId) {
                 if (w.castleState[ownShort] == CastleRight || w.castleState[ownLong] == CastleRight)
                     w.castleState[ownShort] = w.castleState[ownLong] = CastleLost;
             }
-            if (id == S::ownRookH && w.castleState[ownShort] == CastleRight) w.castleState[ownShort] = CastleLost;
-            if (id == S::ownRookA && w.castleState[ownLong] == CastleRight) w.castleState[ownLong] = CastleLost;
+            if (id == S::rookHId && w.castleState[ownShort] == CastleRight) w.castleState[ownShort] = CastleLost;
+            if (id == S::rookAId && w.castleState[ownLong] == CastleRight) w.castleState[ownLong] = CastleLost;
             break;
         case SpecialShortCastle:
             w.boardPiece[S::rookShortFrom] = NoPiece;
-            w.boardPiece[S::rookShortTo] = S::ownRookH;
-            w.pieceSquare[S::ownRookH] = S::rookShortTo;
+            w.boardPiece[S::rookShortTo] = S::rookHId;
+            w.pieceSquare[S::rookHId] = S::rookShortTo;
             w.castleState[ownShort] = CastleDone;
             w.castleState[ownLong] = CastleLost;
             break;
         case SpecialLongCastle:
             w.boardPiece[S::rookLongFrom] = NoPiece;
-            w.boardPiece[S::rookLongTo] = S::ownRookA;
-            w.pieceSquare[S::ownRookA] = S::rookLongTo;
+            w.boardPiece[S::rookLongTo] = S::rookAId;
+            w.pieceSquare[S::rookAId] = S::rookLongTo;
             w.castleState[ownLong] = CastleDone;
             w.castleState[ownShort] = CastleLost;
             break;
         case SpecialEnPassant: {
-            const int taken = to + S::behind;
+            const int taken = to - S::up;
             captured = w.boardPiece[taken];
             if (captured != NoPiece) {
                 w.boardPiece[taken] = NoPiece;
                 w.pieceSquare[captured] = NoSquare;
-                w.materialBalance += S::materialSign * w.pieceValue[captured];
+                w.materialBalance += S::sign * w.pieceValue[captured];
                 w.pawnCount[enemy] -= 1;
             }
             break;
@@ -156,7 +117,7 @@ int makeScanMove(Position& w, Move move) {
             const int n = w.pieceValue[firstSlotOfType[type]];
             w.pieceType[id] = type;
             w.materialTotal[Mover] += n;
-            w.materialBalance += S::materialSign * (n - w.pieceValue[id]);
+            w.materialBalance += S::sign * (n - w.pieceValue[id]);
             w.pawnCount[Mover] -= 1;
             w.pieceCount[Mover] += 1;
             w.pieceValue[id] = n;
@@ -169,11 +130,9 @@ int makeScanMove(Position& w, Move move) {
 // Adds the replier's candidates; returns the new list end.
 template <Color Mover>
 Move* generateReplies(const Position& w, Move* out) {
-    using S = ScanSide<Mover>;
-    constexpr Color side = S::replier;
-    const auto& moves = S::replyMoves();
-    const int base = idBase(side);
-    for (int id = base; id < base + 16; ++id) {
+    using T = Side<opposite(Mover)>;
+    const auto& moves = T::moves();
+    for (int id = T::firstId; id < T::firstId + 16; ++id) {
         const int from = w.pieceSquare[id];
         if (from == NoSquare) continue;
         const int type = w.pieceType[id];
@@ -186,7 +145,7 @@ Move* generateReplies(const Position& w, Move* out) {
                     *out++ = makeMove(from, to);
                     ++i;
                 } else {
-                    if (isBlackId(target) != (side == Black)) *out++ = makeMove(from, to) | CaptureMark;
+                    if (!T::owns(target)) *out++ = makeMove(from, to) | CaptureMark;
                     i += list[i].skip;
                 }
             }
@@ -203,7 +162,7 @@ Move* generateReplies(const Position& w, Move* out) {
                     }
                     word = makeMove(from, r.to);
                 } else {
-                    if (target == NoPiece || isBlackId(target) == (side == Black)) {
+                    if (target == NoPiece || T::owns(target)) {
                         ++i;
                         continue;
                     }
@@ -228,8 +187,9 @@ Move* generateReplies(const Position& w, Move* out) {
 
 template <Color Mover>
 int scan(Move* list, Move move, Position& position) {
-    using S = ScanSide<Mover>;
-    constexpr Color side = S::replier;
+    using S = Side<Mover>;
+    using T = Side<S::them>;
+    constexpr Color side = T::us;
     Position w;
     std::memcpy(&w, &position, sizeof w);
 
@@ -238,7 +198,7 @@ int scan(Move* list, Move move, Position& position) {
 
     // The mover's king may not stand in check; a castling may not start in,
     // pass through or end in check.
-    const int kingSquare = w.pieceSquare[idBase(Mover) + SlotKing];
+    const int kingSquare = w.pieceSquare[S::kingId];
     if (squareAttacked(w, side, kingSquare)) return move | scanIllegal;
     if (move != NoMove && isCastling(move)) {
         const int to = moveTo(move);
@@ -256,14 +216,14 @@ int scan(Move* list, Move move, Position& position) {
     if (move != NoMove) {
         const int from = moveFrom(move), to = moveTo(move);
         const int id = w.boardPiece[to];
-        if (w.pieceType[id] == pawnTypeOf(Mover) && rankOf(from) == S::doubleFromRank &&
+        if (w.pieceType[id] == S::pawnType && rankOf(from) == S::doubleFromRank &&
             rankOf(to) == S::doubleToRank) {
-            const int target = to + S::behind;
+            const int target = to - S::up;
             const int besides[2] = {fileOf(to) > 0 ? to - 1 : NoSquare, fileOf(to) < 7 ? to + 1 : NoSquare};
             for (int sq : besides) {
                 if (sq == NoSquare) continue;
                 const int pawn = w.boardPiece[sq];
-                if (pawn != NoPiece && isBlackId(pawn) == (side == Black) && w.pieceType[pawn] == pawnTypeOf(side))
+                if (pawn != NoPiece && T::owns(pawn) && w.pieceType[pawn] == T::pawnType)
                     *end++ = makeMove(sq, target, SpecialEnPassant) | CaptureMark;
             }
         }
@@ -271,15 +231,14 @@ int scan(Move* list, Move move, Position& position) {
 
     // A set-up may grant a right to a king or rook that isn't at home; such a
     // right must never move an empty square, so their places are checked too.
-    const bool kingHome = w.boardPiece[moveFrom(S::replyShort)] == idBase(side) + SlotKing;
-    if (kingHome && w.castleState[castleShortIndex(side)] == CastleRight &&
-        w.boardPiece[S::rookShortHome] == idBase(side) + SlotRookH &&
-        w.boardPiece[S::replyShortEmpty[0]] == NoPiece && w.boardPiece[S::replyShortEmpty[1]] == NoPiece)
-        *end++ = S::replyShort;
-    if (kingHome && w.castleState[castleLongIndex(side)] == CastleRight &&
-        w.boardPiece[S::rookLongHome] == idBase(side) + SlotRookA && w.boardPiece[S::replyLongEmpty[0]] == NoPiece &&
-        w.boardPiece[S::replyLongEmpty[1]] == NoPiece && w.boardPiece[S::replyLongEmpty[2]] == NoPiece)
-        *end++ = S::replyLong;
+    const bool kingHome = w.boardPiece[moveFrom(T::shortCastle)] == T::kingId;
+    if (kingHome && w.castleState[T::shortIndex] == CastleRight && w.boardPiece[T::rookShortFrom] == T::rookHId &&
+        w.boardPiece[T::shortPath[0]] == NoPiece && w.boardPiece[T::shortPath[1]] == NoPiece)
+        *end++ = T::shortCastle;
+    if (kingHome && w.castleState[T::longIndex] == CastleRight && w.boardPiece[T::rookLongFrom] == T::rookAId &&
+        w.boardPiece[T::longPath[0]] == NoPiece && w.boardPiece[T::longPath[1]] == NoPiece &&
+        w.boardPiece[T::longPath[2]] == NoPiece)
+        *end++ = T::longCastle;
     *end = NoMove;
 
     // Keep the legal replies; each candidate is tested by the other twin.

@@ -117,6 +117,7 @@ constexpr Move NoMove = 0;
 constexpr Move CaptureMark = 0x8000;
 constexpr Move PromotionBit = 0x4000;
 constexpr Move FromToMask = 0xfff;
+constexpr Move FromToSpecialMask = 0x7fff;  // the move without its capture mark
 constexpr Move LowMoveMask = 0xffff;
 
 enum Special : int {
@@ -141,6 +142,19 @@ constexpr bool isCastling(Move m) {
 constexpr int promotionType(Move m) { return moveSpecial(m) - 3; }
 constexpr Move makeMove(int from, int to, int special = SpecialNone) {
     return from | (to << 6) | (special << 12);
+}
+// Neither capture mark nor promotion bit.
+constexpr bool isQuiet(Move m) { return (m & (CaptureMark | PromotionBit)) == 0; }
+
+// The halves of a list word: the move below, a score or ordering data above.
+constexpr Move moveHalf(Move word) { return word & LowMoveMask; }
+// The high half as a signed score (root lists, lines, result words).
+constexpr int scoreHalf(Move word) { return int(word) >> 16; }
+// The high half as unsigned ordering data.
+constexpr unsigned orderingHalf(Move word) { return std::uint32_t(word) >> 16; }
+// The move half of `word` under a new high half.
+constexpr Move withScore(Move word, int score) {
+    return Move((std::uint32_t(word) & std::uint32_t(LowMoveMask)) | (std::uint32_t(score) << 16));
 }
 
 constexpr Move WhiteShortCastle = makeMove(E1, G1, SpecialShortCastle);  // 4484

@@ -7,7 +7,7 @@
 #include "board/movetext.h"
 #include "board/notation.h"
 #include "frontend/logfile.h"
-#include "search/linebuffers.h"
+#include "search/lines.h"
 #include "search/search.h"
 #include "search/think.h"
 

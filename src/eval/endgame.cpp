@@ -25,7 +25,7 @@ struct PieceCounts {
 // Read off searchBoard, since a node keeps no per-type counts.
 PieceCounts countPieces() {
     PieceCounts counts{};
-    const search::SearchBoard& sb = search::searchBoard;
+    const position::SearchBoard& sb = position::searchBoard;
     for (int id = 0; id < board::PieceIdCount; ++id) {
         const int type = sb.pieceType[id];
         if (sb.pieceSquare[id] == board::NoSquare || type == board::King || type >= board::NoType) continue;
@@ -78,7 +78,7 @@ template<> struct DriveTraits<board::Black> {
 // only orders the mating play.
 template<Color Strong>
 int drivePenalty(const PieceCounts& counts) {
-    const search::SearchBoard& sb = search::searchBoard;
+    const position::SearchBoard& sb = position::searchBoard;
     const int weakKing = sb.pieceSquare[board::idBase(board::opposite(Strong))];
     const int strongKing = sb.pieceSquare[board::idBase(Strong)];
     const int kings = board::kingDistance[strongKing][weakKing];
@@ -119,7 +119,7 @@ constexpr SignatureChange signatureChanges[] = {
 
 // Without pawns only material and the mating drive count, and material that
 // can't mate is a draw outright.
-int evaluateNoPawnEnding(const search::NodeState& node) {
+int evaluateNoPawnEnding(const position::NodeState& node) {
     const PieceCounts counts = countPieces();
     if (isDeadMaterial(counts)) return 0;
     const int m = node.materialBalance;
@@ -129,7 +129,7 @@ int evaluateNoPawnEnding(const search::NodeState& node) {
 }
 
 // Pulls the score of a nominally won pawnless ending towards a draw.
-int noPawnSignatureChange(const search::NodeState& node) {
+int noPawnSignatureChange(const position::NodeState& node) {
     for (const SignatureChange& s : signatureChanges)
         if (node.materialTotal[board::White] == s.white && node.materialTotal[board::Black] == s.black)
             return s.change;

@@ -10,7 +10,7 @@
 #include "eval/material.h"
 #include "eval/mobility.h"
 #include "eval/pawns.h"
-#include "eval/phase.h"
+#include "position/phase.h"
 #include "eval/pieces.h"
 
 namespace eval {
@@ -26,10 +26,10 @@ constexpr unsigned PawnUnits = 480;
 
 // Classes 0 to 3: the full run, in an order where later terms may read the
 // pawn results.
-void evaluateFull(int phaseClass, int blackToMove, const search::NodeState& node, EvalTerms& t) {
-    const bool middle = phaseClass < PhaseEndgame;
-    const bool endgame = phaseClass == PhaseEndgame;
-    const bool late = phaseClass == PhaseHeavy || endgame;
+void evaluateFull(int phaseClass, int blackToMove, const position::NodeState& node, EvalTerms& t) {
+    const bool middle = phaseClass < position::PhaseEndgame;
+    const bool endgame = phaseClass == position::PhaseEndgame;
+    const bool late = phaseClass == position::PhaseHeavy || endgame;
     if (middle) evaluateDevelopment(node, t);
     evaluateTrappedPieces(node, t);
     evaluateRookFiles(node, t);
@@ -48,7 +48,7 @@ void evaluateFull(int phaseClass, int blackToMove, const search::NodeState& node
 }
 
 // Kings and pawns only: no piece terms, no king safety, no mobility.
-void evaluatePawnEnding(int blackToMove, const search::NodeState& node, EvalTerms& t) {
+void evaluatePawnEnding(int blackToMove, const position::NodeState& node, EvalTerms& t) {
     t.materialScore = node.materialBalance;
     t.pawnScore = evaluatePawns(node, blackToMove, t);
     evaluateKingRace(node, t);
@@ -59,12 +59,12 @@ void evaluatePawnEnding(int blackToMove, const search::NodeState& node, EvalTerm
 
 // Every call runs all terms of its class: no bounds, no early exit, so the
 // same node always gets the same number.
-int evaluate(int blackToMove, const search::NodeState& node) {
+int evaluate(int blackToMove, const position::NodeState& node) {
     EvalTerms terms{};
     const int phaseClass = node.phaseClass;
-    if (phaseClass == PhaseNoPawns)
+    if (phaseClass == position::PhaseNoPawns)
         terms.materialScore = evaluateNoPawnEnding(node) + noPawnSignatureChange(node);
-    else if (phaseClass == PhasePawnEnding)
+    else if (phaseClass == position::PhasePawnEnding)
         evaluatePawnEnding(blackToMove, node, terms);
     else
         evaluateFull(phaseClass, blackToMove, node, terms);
@@ -76,8 +76,8 @@ int evaluate(int blackToMove, const search::NodeState& node) {
 // up to 40 percent. Outside class 5 the score fades with the fifty-move
 // counter, gets a bonus for the move, and is rounded to tens toward zero.
 // Class 5 keeps its exact value, since it only orders mating play there.
-int assembleScore(const EvalTerms& terms, const search::NodeState& node, int blackToMove) {
-    const bool noPawns = node.phaseClass == PhaseNoPawns;
+int assembleScore(const EvalTerms& terms, const position::NodeState& node, int blackToMove) {
+    const bool noPawns = node.phaseClass == position::PhaseNoPawns;
     const int pst = noPawns ? 0 : node.pstScore;
     const int material = int((unsigned(node.materialTotal[0]) + node.materialTotal[1]) / PawnUnits);
     const int gone = int(StartMaterialPawns) - material;

@@ -2,7 +2,7 @@
 // The static evaluation: one position, one integer for the side to move.
 
 #include "eval/terms.h"
-#include "search/searchboard.h"
+#include "position/searchboard.h"
 
 namespace eval {
 
@@ -19,10 +19,10 @@ extern EvalTerms* evalTrace;
 // The score for the side to move of the node on searchBoard, within
 // -32000..32000. Runs every term of the node's phase class; changes nothing
 // but the pawn hash and allocates nothing.
-int evaluate(int blackToMove, const search::NodeState& node);
+int evaluate(int blackToMove, const position::NodeState& node);
 
 // Weighs the groups, turns the sum to the side to move and shapes it:
 // fifty-move fade, tempo, rounding to tens (not in class 5), range cut.
-int assembleScore(const EvalTerms& terms, const search::NodeState& node, int blackToMove);
+int assembleScore(const EvalTerms& terms, const position::NodeState& node, int blackToMove);
 
 }  // namespace eval

@@ -9,7 +9,7 @@
 #include <initializer_list>
 
 #include "board/tables.h"
-#include "eval/evalside.h"
+#include "eval/boardview.h"
 
 namespace eval {
 
@@ -35,11 +35,11 @@ constexpr int MatingPattern = 182;
 constexpr int KingsideFirstFile = 5;   // file f
 constexpr int QueensideLastFile = 2;   // file c
 
-const search::SearchBoard& sb() { return search::searchBoard; }
+const position::SearchBoard& sb() { return position::searchBoard; }
 
 template <Color A>
-int heavyOnFileBy(int file, const search::NodeState& node) {
-    using S = EvalSide<A>;
+int heavyOnFileBy(int file, const position::NodeState& node) {
+    using S = board::Side<A>;
     if (node.pawnFiles[S::them] & (1 << file)) return 0;
     int heavy = 0;
     for (const int slot : {SlotQueen, SlotRookA, SlotRookH}) {
@@ -89,7 +89,7 @@ int firstOnWalk(std::uint64_t pawns) {
 // it storm it. A king deep in enemy land has no shelter to speak of.
 template <Color D>
 int shelterOf(int square, const PawnSquares& pawns) {
-    using S = EvalSide<D>;
+    using S = board::Side<D>;
     if (S::relRank(square) >= rankOf(A7)) return 0;
     const int kingFile = fileOf(square);
     int sum = 0;
@@ -108,10 +108,10 @@ int shelterOf(int square, const PawnSquares& pawns) {
 // White (the view of the attacker A). A wing whose right was lost without
 // castling is skipped: the king didn't go there.
 template <Color A>
-int matingPatterns(int king, int centre, const search::NodeState& node) {
-    using S = EvalSide<A>;
+int matingPatterns(int king, int centre, const position::NodeState& node) {
+    using S = board::Side<A>;
     using V = BoardView<A>;
-    using D = EvalSide<S::them>;
+    using D = board::Side<S::them>;
     if (D::relRank(king) > rankOf(A2)) return 0;
     const bool queenOn = sb().pieceSquare[S::id(SlotQueen)] != NoSquare;
     int patterns = 0;
@@ -137,8 +137,8 @@ int matingPatterns(int king, int centre, const search::NodeState& node) {
 // exposure - shelter of the king of D, or 0 if the attacker lacks the
 // material to attack.
 template <Color D>
-int kingDanger(const search::NodeState& node, const PawnSquares& pawns) {
-    using S = EvalSide<D>;
+int kingDanger(const position::NodeState& node, const PawnSquares& pawns) {
+    using S = board::Side<D>;
     constexpr Color A = S::them;
     if (node.materialTotal[A] <= AttackMaterial) return 0;
     const int king = sb().pieceSquare[S::id(SlotKing)];
@@ -166,13 +166,13 @@ int kingDanger(const search::NodeState& node, const PawnSquares& pawns) {
 }  // namespace
 
 // Each king's danger counts against its own side.
-int evaluateKingSafety(const search::NodeState& node) {
+int evaluateKingSafety(const position::NodeState& node) {
     if (node.materialTotal[White] <= AttackMaterial && node.materialTotal[Black] <= AttackMaterial) return 0;
     const PawnSquares pawns = pawnSquares();
     return kingDanger<Black>(node, pawns) - kingDanger<White>(node, pawns);
 }
 
-int heavyOnFile(int file, Color attacker, const search::NodeState& node) {
+int heavyOnFile(int file, Color attacker, const position::NodeState& node) {
     return attacker == White ? heavyOnFileBy<White>(file, node) : heavyOnFileBy<Black>(file, node);
 }
 

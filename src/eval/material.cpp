@@ -17,14 +17,14 @@ constexpr int LoneQueenPenalty = 48;
 
 // Only the knight slots count; a promoted knight in a pawn slot doesn't.
 int originalKnights(board::Color c) {
-    const search::SearchBoard& sb = search::searchBoard;
+    const position::SearchBoard& sb = position::searchBoard;
     const int base = board::idBase(c);
     return (sb.pieceSquare[base + board::SlotKnightB] != board::NoSquare) +
            (sb.pieceSquare[base + board::SlotKnightG] != board::NoSquare);
 }
 
 // A queen as the side's only piece besides king and pawns.
-bool hasLoneQueen(const search::NodeState& node, board::Color c) {
+bool hasLoneQueen(const position::NodeState& node, board::Color c) {
     return node.materialTotal[c] == board::QueenValue && node.pieceCount[c] == 1;
 }
 
@@ -32,7 +32,7 @@ bool hasLoneQueen(const search::NodeState& node, board::Color c) {
 
 // Knights weaken as the board opens; a lone minor or a lone queen is worth
 // less than its count says; two lone minors cancel.
-int materialScore(const search::NodeState& node) {
+int materialScore(const position::NodeState& node) {
     int score = node.materialBalance;
     const int pawns = node.pawnCount[0] + node.pawnCount[1];
     score += KnightPawnLoss * (originalKnights(board::Black) - originalKnights(board::White)) * (FullPawns - pawns);

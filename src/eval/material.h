@@ -2,11 +2,11 @@
 // The material group of evaluate: the balance with the adjustments for
 // knights as pawns leave, a lone minor piece and a lone queen.
 
-#include "search/searchboard.h"
+#include "position/searchboard.h"
 
 namespace eval {
 
 // White minus Black, for phase classes 0 to 3.
-int materialScore(const search::NodeState& node);
+int materialScore(const position::NodeState& node);
 
 }  // namespace eval

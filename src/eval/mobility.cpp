@@ -10,7 +10,7 @@
 
 #include "board/tables.h"
 #include "board/types.h"
-#include "eval/evalside.h"
+#include "eval/boardview.h"
 
 namespace eval {
 
@@ -66,8 +66,8 @@ struct MobilityWork {
 // when the enemy is to move and can take at once.
 template <Color C>
 int attackedPiecePenalty(int blackToMove) {
-    const int enemyToMove = EvalSide<C>::isWhite ? blackToMove : 1 - blackToMove;
-    return -EvalSide<C>::sign * PawnAttackedPiece * (1 + enemyToMove);
+    const int enemyToMove = board::Side<C>::isWhite ? blackToMove : 1 - blackToMove;
+    return -board::Side<C>::sign * PawnAttackedPiece * (1 + enemyToMove);
 }
 
 // Walks one move list. A ray goes on past an empty square or an own piece
@@ -77,8 +77,8 @@ int attackedPiecePenalty(int blackToMove) {
 template <Color C, int Through>
 int walk(const MoveStep* step, std::uint64_t mask, std::uint64_t zone, int weight, int& attackSum, bool& near,
          std::uint64_t& attacked) {
-    const std::int32_t* boardPiece = search::searchBoard.boardPiece;
-    constexpr int firstThrough = EvalSide<C>::id(SlotQueen);
+    const std::int32_t* boardPiece = position::searchBoard.boardPiece;
+    constexpr int firstThrough = board::Side<C>::id(SlotQueen);
     int count = 0;
     while (step->to != NoSquare) {
         const int to = step->to;
@@ -100,8 +100,8 @@ int walk(const MoveStep* step, std::uint64_t mask, std::uint64_t zone, int weigh
 // squares, and pressure counted whatever the count stands at.
 template <Color C, int Type, int Through>
 void walkSlot(int slot, MobilityWork& w) {
-    using S = EvalSide<C>;
-    const int square = search::searchBoard.pieceSquare[S::id(slot)];
+    using S = board::Side<C>;
+    const int square = position::searchBoard.pieceSquare[S::id(slot)];
     if (square == NoSquare) return;
     // forbidden is the enemy pawn attacks plus the own king, where no piece stands.
     if (w.forbidden[C] & squareBit(square)) w.positional += attackedPiecePenalty<C>(w.blackToMove);
@@ -116,8 +116,8 @@ void walkSlot(int slot, MobilityWork& w) {
 // and joins the pressure only when some other piece already attacks.
 template <Color C>
 void walkLate(int square, MobilityWork& w, std::uint64_t seen) {
-    using S = EvalSide<C>;
-    const int type = search::searchBoard.pieceType[search::searchBoard.boardPiece[square]];
+    using S = board::Side<C>;
+    const int type = position::searchBoard.pieceType[position::searchBoard.boardPiece[square]];
     assert(type >= Queen && type <= Knight);
     if (type < Queen || type > Knight) return;
     if (seen & squareBit(square)) w.positional += attackedPiecePenalty<C>(w.blackToMove);
@@ -131,14 +131,14 @@ void walkLate(int square, MobilityWork& w, std::uint64_t seen) {
 }
 
 template <Color C>
-void walkLatePieces(const search::NodeState& node, MobilityWork& w) {
-    using S = EvalSide<C>;
+void walkLatePieces(const position::NodeState& node, MobilityWork& w) {
+    using S = board::Side<C>;
     const std::uint64_t seen = w.forbidden[C] | w.attacked[S::them];
     for (std::uint32_t bits = node.promotedMask & promotedSlots(C); bits != 0; bits &= bits - 1) {
-        const int square = search::searchBoard.pieceSquare[__builtin_ctz(bits)];
+        const int square = position::searchBoard.pieceSquare[__builtin_ctz(bits)];
         if (square != NoSquare) walkLate<C>(square, w, seen);
     }
-    const int queen = search::searchBoard.pieceSquare[S::id(SlotQueen)];
+    const int queen = position::searchBoard.pieceSquare[S::id(SlotQueen)];
     if (queen != NoSquare) walkLate<C>(queen, w, seen);
     // Without a queen the other attackers bite less.
     if (queen == NoSquare && (node.promotedMask & promotedSlots(C)) == 0) w.attackSum[C] = w.attackSum[C] * 2 / 3;
@@ -149,8 +149,8 @@ void walkLatePieces(const search::NodeState& node, MobilityWork& w) {
 // Returns twice the mobility; the pawn-attacked pieces go to `positional`,
 // the king pressure, if large enough, to `proximity`.
 int evaluateMobility(std::uint64_t whitePawnAttacks, std::uint64_t blackPawnAttacks, int blackToMove,
-                     const search::NodeState& node, EvalTerms& terms) {
-    const search::SearchBoard& b = search::searchBoard;
+                     const position::NodeState& node, EvalTerms& terms) {
+    const position::SearchBoard& b = position::searchBoard;
     const int whiteKing = b.pieceSquare[WhiteKingId];
     const int blackKing = b.pieceSquare[BlackKingId];
     assert(whiteKing != NoSquare && blackKing != NoSquare);

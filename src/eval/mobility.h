@@ -5,13 +5,13 @@
 #include <cstdint>
 
 #include "eval/terms.h"
-#include "search/searchboard.h"
+#include "position/searchboard.h"
 
 namespace eval {
 
 // Returns the mobility score; adds its side results to `positional` and
 // `proximity` of `terms`.
 int evaluateMobility(std::uint64_t whitePawnAttacks, std::uint64_t blackPawnAttacks, int blackToMove,
-                     const search::NodeState& node, EvalTerms& terms);
+                     const position::NodeState& node, EvalTerms& terms);
 
 }  // namespace eval

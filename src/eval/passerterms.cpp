@@ -1,13 +1,13 @@
 // Passed pawns and kings in the endings: the race of the kings to the best
 // passer and its blockade, each king's distance to its own pawns, and the
 // pieces that help or stop a passer when material is low. Each term is
-// written for the side C that owns the pawn and signed by EvalSide<C>.
+// written for the side C that owns the pawn and signed by board::Side<C>.
 
 #include <algorithm>
 
 #include "board/tables.h"
 #include "eval/endgame.h"
-#include "eval/evalside.h"
+#include "eval/boardview.h"
 #include "eval/setup.h"
 
 namespace eval {
@@ -41,7 +41,7 @@ constexpr int ConnectedAgainstRook = 2328;
 constexpr int ConnectedFirstRank = 5;
 constexpr int ConnectedKingDistance = 3;
 
-const search::SearchBoard& sb = search::searchBoard;
+const position::SearchBoard& sb = position::searchBoard;
 
 int kingOf(Color c) { return sb.pieceSquare[board::idBase(c) + board::SlotKing]; }
 
@@ -64,7 +64,7 @@ constexpr int darkBishopSlot(Color c) { return c == board::White ? board::SlotBi
 template<Color C>
 int advancedPasser(const EvalTerms& t) {
     const int sq = bestPasser<C>(t);
-    return sq != 0 && EvalSide<C>::relRank(sq) >= AdvancedRank ? sq : int(board::NoSquare);
+    return sq != 0 && board::Side<C>::relRank(sq) >= AdvancedRank ? sq : int(board::NoSquare);
 }
 
 // Own king near the stop square and enemy king far from it, worth more the
@@ -72,7 +72,7 @@ int advancedPasser(const EvalTerms& t) {
 // a blockade penalty, and on the seventh a defending king next to it as well.
 template<Color C>
 void kingRace(EvalTerms& t) {
-    using S = EvalSide<C>;
+    using S = board::Side<C>;
     const int sq = advancedPasser<C>(t);
     if (sq == board::NoSquare) return;
     const int r = S::relRank(sq);
@@ -91,8 +91,8 @@ void kingRace(EvalTerms& t) {
 
 // A king far from all its pawns can't defend them or escort them.
 template<Color C>
-void kingToPawns(const search::NodeState& node, EvalTerms& t) {
-    using S = EvalSide<C>;
+void kingToPawns(const position::NodeState& node, EvalTerms& t) {
+    using S = board::Side<C>;
     if (node.pawnCount[C] == 0) return;
     const int king = kingOf(C);
     int nearest = FarthestPawn;
@@ -107,7 +107,7 @@ void kingToPawns(const search::NodeState& node, EvalTerms& t) {
 // colour of a bishop is read from its slot, not from where it stands.
 template<Color C>
 void bishopAgainstPasser(EvalTerms& t, int sq) {
-    using S = EvalSide<C>;
+    using S = board::Side<C>;
     const int promotion = S::rel(board::makeSquare(board::fileOf(sq), 7));
     const bool light = ((board::fileOf(promotion) + board::rankOf(promotion)) & 1) != 0;
     if (onBoard(S::enemyId(light ? lightBishopSlot(S::them) : darkBishopSlot(S::them))))
@@ -118,14 +118,14 @@ void bishopAgainstPasser(EvalTerms& t, int sq) {
 // whatever stands between: its owner gains, whoever owns the pawn.
 template<Color C>
 void rooksBehindPasser(EvalTerms& t, int sq) {
-    const int r = EvalSide<C>::relRank(sq);
+    const int r = board::Side<C>::relRank(sq);
     if (r < RookBehindRank) return;
     for (const Color rookSide : {board::White, board::Black}) {
         bool behind = false;
         for (const int slot : {board::SlotRookA, board::SlotRookH}) {
             const int rook = sb.pieceSquare[board::idBase(rookSide) + slot];
             behind = behind || (rook != board::NoSquare && board::fileOf(rook) == board::fileOf(sq) &&
-                                EvalSide<C>::relRank(rook) < r);
+                                board::Side<C>::relRank(rook) < r);
         }
         if (behind) t.positional += (rookSide == board::White ? 1 : -1) * RookBehindBonus * r;
     }
@@ -134,8 +134,8 @@ void rooksBehindPasser(EvalTerms& t, int sq) {
 // Against little material, each own rook on a file between the passer and
 // the enemy king keeps that king out of the race.
 template<Color C>
-void rooksCuttingOff(const search::NodeState& node, EvalTerms& t, int sq) {
-    using S = EvalSide<C>;
+void rooksCuttingOff(const position::NodeState& node, EvalTerms& t, int sq) {
+    using S = board::Side<C>;
     if (node.pieceCount[S::them] > CutOffMaxPieces || node.materialTotal[S::them] > CutOffMaxMaterial) return;
     const int pawnFile = board::fileOf(sq);
     const int kingFile = board::fileOf(kingOf(S::them));
@@ -152,7 +152,7 @@ void rooksCuttingOff(const search::NodeState& node, EvalTerms& t, int sq) {
 // for a pawn running to rank 8, so Black's squares are mirrored into it.
 template<Color C>
 void knightAgainstPasser(EvalTerms& t, int sq) {
-    using S = EvalSide<C>;
+    using S = board::Side<C>;
     const int pawn = S::rel(sq);
     for (const int slot : {board::SlotKnightG, board::SlotKnightB}) {
         const int knight = sb.pieceSquare[S::enemyId(slot)];
@@ -165,8 +165,8 @@ void knightAgainstPasser(EvalTerms& t, int sq) {
 
 // C is ahead in material (or level) and in pawns, with a pawn score for it.
 template<Color C>
-bool aheadWithPawns(const search::NodeState& node, const EvalTerms& t) {
-    using S = EvalSide<C>;
+bool aheadWithPawns(const position::NodeState& node, const EvalTerms& t) {
+    using S = board::Side<C>;
     return S::sign * node.materialBalance >= 0 && S::sign * t.pawnScore >= 1 &&
            node.pawnCount[C] > node.pawnCount[S::them];
 }
@@ -177,8 +177,8 @@ bool ownPawnOn(int sq, int pawnType) { return sb.pieceType[sb.boardPiece[sq]] ==
 // passer with a free stop square, the enemy king away, and a partner beside
 // it, or one rank behind with the square beside the passer free.
 template<Color C>
-void connectedPassersAgainstRook(const search::NodeState& node, EvalTerms& t) {
-    using S = EvalSide<C>;
+void connectedPassersAgainstRook(const position::NodeState& node, EvalTerms& t) {
+    using S = board::Side<C>;
     const int sq = bestPasser<C>(t);
     if (sq == 0 || S::relRank(sq) < ConnectedFirstRank) return;
     if (node.materialTotal[S::them] != board::RookValue || node.pawnCount[C] < 2) return;
@@ -194,7 +194,7 @@ void connectedPassersAgainstRook(const search::NodeState& node, EvalTerms& t) {
 
 // The terms of the best passers themselves, for one side.
 template<Color C>
-void passerPieces(const search::NodeState& node, EvalTerms& t) {
+void passerPieces(const position::NodeState& node, EvalTerms& t) {
     const int best = bestPasser<C>(t);
     if (best != 0) rooksBehindPasser<C>(t, best);
     const int sq = advancedPasser<C>(t);
@@ -206,18 +206,18 @@ void passerPieces(const search::NodeState& node, EvalTerms& t) {
 
 }  // namespace
 
-void evaluateKingRace(const search::NodeState& node, EvalTerms& terms) {
+void evaluateKingRace(const position::NodeState& node, EvalTerms& terms) {
     kingRace<board::White>(terms);
     kingRace<board::Black>(terms);
 }
 
-void evaluateKingToPawns(const search::NodeState& node, EvalTerms& terms) {
+void evaluateKingToPawns(const position::NodeState& node, EvalTerms& terms) {
     kingToPawns<board::White>(node, terms);
     kingToPawns<board::Black>(node, terms);
 }
 
 // The side ahead in pawns gains from every piece traded since the root.
-void evaluatePasserEndgame(const search::NodeState& node, EvalTerms& terms) {
+void evaluatePasserEndgame(const position::NodeState& node, EvalTerms& terms) {
     passerPieces<board::White>(node, terms);
     passerPieces<board::Black>(node, terms);
     if (aheadWithPawns<board::White>(node, terms)) {

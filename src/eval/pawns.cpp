@@ -5,15 +5,14 @@
 #include "eval/pawns.h"
 
 #include <algorithm>
-#include <cassert>
 #include <cstdlib>
 
-#include "eval/evalside.h"
+#include "eval/boardview.h"
+#include "eval/pawnhash.h"
 
 namespace eval {
 
 using board::Color;
-using search::PawnHashEntry;
 
 namespace {
 
@@ -59,8 +58,8 @@ struct Structure {
 // square, attacks) stays on the board.
 template<Color C>
 void scanPawns(Structure& s) {
-    using S = EvalSide<C>;
-    const search::SearchBoard& sb = search::searchBoard;
+    using S = board::Side<C>;
+    const position::SearchBoard& sb = position::searchBoard;
     FileArrays& files = s.side[C];
     for (int id = S::id(board::SlotPawnA); id <= S::id(board::SlotPawnH); ++id) {
         const int sq = sb.pieceSquare[id];
@@ -83,7 +82,7 @@ void scanPawns(Structure& s) {
 template<Color C>
 int structurePenalty(const Structure& s) {
     const FileArrays& own = s.side[C];
-    const FileArrays& their = s.side[EvalSide<C>::them];
+    const FileArrays& their = s.side[board::Side<C>::them];
     int doubled = own.count;
     int isolated = 0;
     int backward = 0;
@@ -117,12 +116,12 @@ struct PasserResult {
 // nearer a. A passer the enemy king can't reach earns the uncatchable bonus
 // if the enemy has nothing but pawns.
 template<Color C>
-PasserResult passedPawns(const Structure& s, const search::NodeState& node, int blackToMove) {
-    using S = EvalSide<C>;
+PasserResult passedPawns(const Structure& s, const position::NodeState& node, int blackToMove) {
+    using S = board::Side<C>;
     constexpr Color Them = S::them;
     const FileArrays& own = s.side[C];
     const FileArrays& their = s.side[Them];
-    const int enemyKing = search::searchBoard.pieceSquare[S::enemyId(board::SlotKing)];
+    const int enemyKing = position::searchBoard.pieceSquare[S::enemyId(board::SlotKing)];
     const int kingRank = S::relRank(enemyKing);
     const int kingFile = board::fileOf(enemyKing);
     // The defending king moves first when its side is to move: one step more.
@@ -167,38 +166,29 @@ int packedField(std::uint32_t packed, int shift, std::uint32_t mask) { return in
 // The uncatchable bonus against C's pawns-only side depends on the square of
 // C's king, so then that square must match too; with pieces on the board any
 // count will do, since only "none" changes the result.
-bool piecesMatch(const PawnHashEntry& e, const search::NodeState& node, Color c) {
-    const int piecesShift = c == board::White ? search::PackedWhitePiecesShift : search::PackedBlackPiecesShift;
-    const int kingShift = c == board::White ? search::PackedWhiteKingShift : search::PackedBlackKingShift;
+bool piecesMatch(const PawnHashEntry& e, const position::NodeState& node, Color c) {
+    const int piecesShift = c == board::White ? PackedWhitePiecesShift : PackedBlackPiecesShift;
+    const int kingShift = c == board::White ? PackedWhiteKingShift : PackedBlackKingShift;
     const int stored = packedField(e.packed, piecesShift, 15);
     if (node.pieceCount[c] > 0) return stored != 0;
-    const int king = search::searchBoard.pieceSquare[board::idBase(c) + board::SlotKing];
+    const int king = position::searchBoard.pieceSquare[board::idBase(c) + board::SlotKing];
     return stored == 0 && packedField(e.packed, kingShift, 63) == king;
 }
 
-std::uint32_t packEntry(const search::NodeState& node, const EvalTerms& terms) {
-    const search::SearchBoard& sb = search::searchBoard;
+std::uint32_t packEntry(const position::NodeState& node, const EvalTerms& terms) {
+    const position::SearchBoard& sb = position::searchBoard;
     const auto field = [](int value, std::uint32_t mask, int shift) { return (std::uint32_t(value) & mask) << shift; };
-    return field(sb.pieceSquare[board::WhiteKingId], 63, search::PackedWhiteKingShift) |
-           field(sb.pieceSquare[board::BlackKingId], 63, search::PackedBlackKingShift) |
-           field(terms.bestWhitePasser, 63, search::PackedWhitePasserShift) |
-           field(terms.bestBlackPasser, 63, search::PackedBlackPasserShift) |
-           field(node.pieceCount[board::White], 15, search::PackedWhitePiecesShift) |
-           field(node.pieceCount[board::Black], 15, search::PackedBlackPiecesShift);
+    return field(sb.pieceSquare[board::WhiteKingId], 63, PackedWhiteKingShift) |
+           field(sb.pieceSquare[board::BlackKingId], 63, PackedBlackKingShift) |
+           field(terms.bestWhitePasser, 63, PackedWhitePasserShift) |
+           field(terms.bestBlackPasser, 63, PackedBlackPasserShift) |
+           field(node.pieceCount[board::White], 15, PackedWhitePiecesShift) |
+           field(node.pieceCount[board::Black], 15, PackedBlackPiecesShift);
 }
 
 }  // namespace
 
-// Neighbouring slots for the two sides to move, because whether a passer can
-// be caught depends on who moves.
-PawnHashEntry* pawnHashSlot(const search::NodeState& node, int blackToMove) {
-    if (search::pawnHashTable == nullptr || search::pawnHashEntries < 2) return nullptr;
-    const std::uint32_t index = ((node.pawnKey[0] % search::pawnHashEntries) & ~1u) | std::uint32_t(blackToMove != 0);
-    assert(index < search::pawnHashEntries);
-    return &search::pawnHashTable[index];
-}
-
-int computePawns(const search::NodeState& node, int blackToMove, EvalTerms& terms) {
+int computePawns(const position::NodeState& node, int blackToMove, EvalTerms& terms) {
     Structure s{};
     scanPawns<board::White>(s);
     scanPawns<board::Black>(s);
@@ -211,20 +201,17 @@ int computePawns(const search::NodeState& node, int blackToMove, EvalTerms& term
     return white.score - black.score - structurePenalty<board::White>(s) + structurePenalty<board::Black>(s);
 }
 
-std::uint64_t pawnHashProbes = 0;
-std::uint64_t pawnHashHits = 0;
-
 // Most calls end with the probe. The stored score is the raw structure
 // score; what the ending terms do to a node's copy never comes back here.
-int evaluatePawns(const search::NodeState& node, int blackToMove, EvalTerms& terms) {
+int evaluatePawns(const position::NodeState& node, int blackToMove, EvalTerms& terms) {
     ++pawnHashProbes;
     const std::uint32_t keyHigh = node.pawnKey[1];
     const std::uint16_t keyMid = std::uint16_t(node.pawnKey[0] >> 16);
     PawnHashEntry* e = pawnHashSlot(node, blackToMove);
     if (e != nullptr && e->keyHigh == keyHigh && e->keyMid == keyMid && piecesMatch(*e, node, board::White) &&
         piecesMatch(*e, node, board::Black)) {
-        terms.bestWhitePasser = packedField(e->packed, search::PackedWhitePasserShift, 63);
-        terms.bestBlackPasser = packedField(e->packed, search::PackedBlackPasserShift, 63);
+        terms.bestWhitePasser = packedField(e->packed, PackedWhitePasserShift, 63);
+        terms.bestBlackPasser = packedField(e->packed, PackedBlackPasserShift, 63);
         terms.whitePawnAttacks = e->whiteAttacks;
         terms.blackPawnAttacks = e->blackAttacks;
         ++pawnHashHits;

@@ -8,7 +8,7 @@
 
 #include "board/tables.h"
 #include "board/types.h"
-#include "eval/evalside.h"
+#include "eval/boardview.h"
 
 namespace eval {
 
@@ -34,8 +34,8 @@ constexpr int KnightKingDistance = 10;
 constexpr int OutpostFirstFile = 2;  // file c
 constexpr int OutpostLastFile = 5;   // file f
 
-const search::SearchBoard& sb() { return search::searchBoard; }
-int squareOf(int id) { return search::searchBoard.pieceSquare[id]; }
+const position::SearchBoard& sb() { return position::searchBoard; }
+int squareOf(int id) { return position::searchBoard.pieceSquare[id]; }
 
 // A rook that hasn't moved with its king, bishop or knight still beside it
 // blocks its own development: one penalty for each piece still at home.
@@ -56,13 +56,13 @@ int development() {
         undeveloped += V::ownSlotOn(SlotBishopC, C1);
         undeveloped += V::ownSlotOn(SlotKnightB, B1);
     }
-    return -EvalSide<C>::sign * UndevelopedPiece * undeveloped;
+    return -board::Side<C>::sign * UndevelopedPiece * undeveloped;
 }
 
 // The queen is rewarded for standing close to both kings at once.
 template <Color C>
 int queenBetweenKings() {
-    using S = EvalSide<C>;
+    using S = board::Side<C>;
     const int queen = squareOf(S::id(SlotQueen));
     if (queen == NoSquare) return 0;
     const int sum = kingDistance[queen][squareOf(WhiteKingId)] + kingDistance[queen][squareOf(BlackKingId)];
@@ -72,8 +72,8 @@ int queenBetweenKings() {
 // Only the two original rooks; a pawn of its own on the file, even behind
 // the rook, takes the bonus away.
 template <Color C>
-int rookFiles(const search::NodeState& node) {
-    using S = EvalSide<C>;
+int rookFiles(const position::NodeState& node) {
+    using S = board::Side<C>;
     const int own = node.pawnFiles[C];
     const int enemy = node.pawnFiles[S::them];
     int score = 0;
@@ -89,7 +89,7 @@ int rookFiles(const search::NodeState& node) {
 
 template <Color C>
 bool hasBishopPair() {
-    using S = EvalSide<C>;
+    using S = board::Side<C>;
     return squareOf(S::id(SlotBishopC)) != NoSquare && squareOf(S::id(SlotBishopF)) != NoSquare;
 }
 
@@ -110,7 +110,7 @@ bool xrayReaches(int from, int king, int line) {
 
 template <Color C>
 int xrays() {
-    using S = EvalSide<C>;
+    using S = board::Side<C>;
     const int king = squareOf(S::enemyId(SlotKing));
     const int hits = xrayReaches(squareOf(S::id(SlotBishopF)), king, LineDiagonal) +
                      xrayReaches(squareOf(S::id(SlotBishopC)), king, LineDiagonal) +
@@ -121,7 +121,7 @@ int xrays() {
 
 template <Color C>
 int heavyOnLastRanks() {
-    using S = EvalSide<C>;
+    using S = board::Side<C>;
     int score = 0;
     for (const int slot : {SlotRookA, SlotRookH, SlotQueen}) {
         const int square = squareOf(S::id(slot));
@@ -138,7 +138,7 @@ int heavyOnLastRanks() {
 // still come to drive it away. The pawn masks say both at one bit each.
 template <Color C>
 int outposts(const EvalTerms& terms) {
-    using S = EvalSide<C>;
+    using S = board::Side<C>;
     const std::uint64_t ownAttacks = S::isWhite ? terms.whitePawnAttacks : terms.blackPawnAttacks;
     const std::uint64_t enemyAttacks = S::isWhite ? terms.blackPawnAttacks : terms.whitePawnAttacks;
     int score = 0;
@@ -160,7 +160,7 @@ int outposts(const EvalTerms& terms) {
 // Minor pieces far from their own king leave it without defenders.
 template <Color C>
 int minorKingDistance() {
-    using S = EvalSide<C>;
+    using S = board::Side<C>;
     const int king = squareOf(S::id(SlotKing));
     int distance = 0;
     for (const int slot : {SlotBishopC, SlotBishopF}) {
@@ -177,23 +177,23 @@ int minorKingDistance() {
 }  // namespace
 
 // Pieces left at home beside an unmoved rook, and a queen between the kings.
-void evaluateDevelopment(const search::NodeState& node, EvalTerms& terms) {
+void evaluateDevelopment(const position::NodeState& node, EvalTerms& terms) {
     terms.positional += development<White>() + development<Black>() + queenBetweenKings<White>() +
                         queenBetweenKings<Black>();
 }
 
 // Open files for the original rooks: 60, half-open 30.
-void evaluateRookFiles(const search::NodeState& node, EvalTerms& terms) {
+void evaluateRookFiles(const position::NodeState& node, EvalTerms& terms) {
     terms.positional += rookFiles<White>(node) + rookFiles<Black>(node);
 }
 
 // Distances go to proximity, which takes no extra weight.
-void evaluateMinorKingDistance(const search::NodeState& node, EvalTerms& terms) {
+void evaluateMinorKingDistance(const position::NodeState& node, EvalTerms& terms) {
     terms.proximity += minorKingDistance<White>() + minorKingDistance<Black>();
 }
 
 // The pair gains as pawns leave the board: 110 with all sixteen, 142 with none.
-void evaluateBishopPair(const search::NodeState& node, EvalTerms& terms) {
+void evaluateBishopPair(const position::NodeState& node, EvalTerms& terms) {
     const int pawns = node.pawnCount[0] + node.pawnCount[1];
     const int pair = 2 * (BishopPairBase - pawns);
     terms.positional += (hasBishopPair<White>() - hasBishopPair<Black>()) * pair;
@@ -201,17 +201,17 @@ void evaluateBishopPair(const search::NodeState& node, EvalTerms& terms) {
 
 // Original bishops and rooks lined up on the enemy king through at most one
 // man; queens are left out.
-void evaluateXrays(const search::NodeState& node, EvalTerms& terms) {
+void evaluateXrays(const position::NodeState& node, EvalTerms& terms) {
     terms.positional += xrays<White>() + xrays<Black>();
 }
 
 // Original rooks and queen on the enemy's last two ranks, once the board has
 // thinned out.
-void evaluateHeavyOnLastRanks(const search::NodeState& node, EvalTerms& terms) {
+void evaluateHeavyOnLastRanks(const position::NodeState& node, EvalTerms& terms) {
     terms.positional += heavyOnLastRanks<White>() + heavyOnLastRanks<Black>();
 }
 
-void evaluateOutposts(const search::NodeState& node, EvalTerms& terms) {
+void evaluateOutposts(const position::NodeState& node, EvalTerms& terms) {
     terms.positional += outposts<White>(terms) + outposts<Black>(terms);
 }
 

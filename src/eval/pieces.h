@@ -6,18 +6,18 @@
 
 #include "eval/terms.h"
 #include "eval/trapped.h"
-#include "search/searchboard.h"
+#include "position/searchboard.h"
 
 namespace eval {
 
 // Undeveloped pieces beside an unmoved rook, and the queen between the kings.
-void evaluateDevelopment(const search::NodeState& node, EvalTerms& terms);
-void evaluateRookFiles(const search::NodeState& node, EvalTerms& terms);
-void evaluateMinorKingDistance(const search::NodeState& node, EvalTerms& terms);
-void evaluateBishopPair(const search::NodeState& node, EvalTerms& terms);
-void evaluateXrays(const search::NodeState& node, EvalTerms& terms);
-void evaluateHeavyOnLastRanks(const search::NodeState& node, EvalTerms& terms);
+void evaluateDevelopment(const position::NodeState& node, EvalTerms& terms);
+void evaluateRookFiles(const position::NodeState& node, EvalTerms& terms);
+void evaluateMinorKingDistance(const position::NodeState& node, EvalTerms& terms);
+void evaluateBishopPair(const position::NodeState& node, EvalTerms& terms);
+void evaluateXrays(const position::NodeState& node, EvalTerms& terms);
+void evaluateHeavyOnLastRanks(const position::NodeState& node, EvalTerms& terms);
 // Reads the pawn attack masks of `terms`, so it runs after the pawns.
-void evaluateOutposts(const search::NodeState& node, EvalTerms& terms);
+void evaluateOutposts(const position::NodeState& node, EvalTerms& terms);
 
 }  // namespace eval

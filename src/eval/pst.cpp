@@ -1,4 +1,4 @@
-// The twelve source tables and their blend by phase into pstWhite/pstBlack.
+// The twelve source tables and their blend by phase into the search's tables.
 
 #include "eval/pst.h"
 
@@ -6,8 +6,6 @@
 
 namespace eval {
 
-std::int32_t pstWhite[6][64];
-std::int32_t pstBlack[7][64];
 
 namespace {
 
@@ -173,8 +171,8 @@ void buildPieceSquareTables(int phase) {
     for (int t = board::King; t <= board::WhitePawn; ++t) {
         const int blackRow = t == board::WhitePawn ? board::BlackPawn : t;
         for (int sq = 0; sq < 64; ++sq) {
-            pstWhite[t][sq] = blend(sourcePairs[t], board::flipRank(sq), phase);
-            pstBlack[blackRow][sq] = blend(sourcePairs[t], sq, phase);
+            position::pstWhite[t][sq] = blend(sourcePairs[t], board::flipRank(sq), phase);
+            position::pstBlack[blackRow][sq] = blend(sourcePairs[t], sq, phase);
         }
     }
 }

@@ -5,7 +5,7 @@
 #include "eval/trapped.h"
 
 #include "board/types.h"
-#include "eval/evalside.h"
+#include "eval/boardview.h"
 
 namespace eval {
 
@@ -51,7 +51,7 @@ int trappedBishops() {
     default:
         break;
     }
-    return -EvalSide<C>::sign * TrappedBishop * trapped;
+    return -board::Side<C>::sign * TrappedBishop * trapped;
 }
 
 // Any knight of the colour, promoted ones too: these read type and colour on
@@ -77,13 +77,13 @@ int trappedKnightsAndRooks() {
     int catches = 0;
     if (V::enemy(Rook, A7) && V::own(Knight, B6) && V::enemyPawn(A6) && V::enemyPawn(B7)) ++catches;
     if (V::enemy(Rook, H7) && V::own(Knight, G6) && V::enemyPawn(H6) && V::enemyPawn(G7)) ++catches;
-    return EvalSide<C>::sign * TrappedPiece * (catches - caught);
+    return board::Side<C>::sign * TrappedPiece * (catches - caught);
 }
 
 }  // namespace
 
 // Each pattern that holds costs the trapped piece's owner its score.
-void evaluateTrappedPieces(const search::NodeState& node, EvalTerms& terms) {
+void evaluateTrappedPieces(const position::NodeState& node, EvalTerms& terms) {
     terms.positional += trappedBishops<White>() + trappedBishops<Black>() + trappedKnightsAndRooks<White>() +
                         trappedKnightsAndRooks<Black>();
 }

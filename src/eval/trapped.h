@@ -3,11 +3,11 @@
 // corners and on the rim, and rooks caught by a knight behind their own pawns.
 
 #include "eval/terms.h"
-#include "search/searchboard.h"
+#include "position/searchboard.h"
 
 namespace eval {
 
 // Adds every pattern that holds to `positional`.
-void evaluateTrappedPieces(const search::NodeState& node, EvalTerms& terms);
+void evaluateTrappedPieces(const position::NodeState& node, EvalTerms& terms);
 
 }  // namespace eval

@@ -14,7 +14,8 @@
 #include "frontend/xboardcommands.h"
 #include "platform/clock.h"
 #include "search/hashtable.h"
-#include "search/movegen.h"
+#include "eval/pawnhash.h"
+#include "search/ordering.h"
 
 namespace frontend {
 
@@ -160,7 +161,7 @@ void newGame() {
     board::resetGame(board::game);
     board::rescanMoves(board::game);
     search::clearHash();
-    search::clearPawnHash();
+    eval::clearPawnHash();
     search::clearHistory();
     search::clearKillers();
     search::clearCounters();

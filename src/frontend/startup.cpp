@@ -13,7 +13,8 @@
 #include "frontend/logfile.h"
 #include "frontend/thinkthread.h"
 #include "search/hashtable.h"
-#include "search/searchboard.h"
+#include "eval/pawnhash.h"
+#include "position/searchboard.h"
 #include "search/think.h"
 #include "tablebase/probe.h"
 #include "tablebase/registry.h"
@@ -86,9 +87,9 @@ void closeTablebasesAtExit() {
 void printBanner() {
     const unsigned hashMegabytes = unsigned(std::uint64_t(search::hashEntries) * sizeof(search::HashBucket) >> 20);
     const unsigned pawnMegabytes =
-        unsigned(std::uint64_t(search::pawnHashEntries) * sizeof(search::PawnHashEntry) >> 20);
+        unsigned(std::uint64_t(eval::pawnHashEntries) * sizeof(eval::PawnHashEntry) >> 20);
     std::fprintf(stderr, "%s\n%s\n", engineName, MakerNotice);
-    std::fprintf(stderr, "Hash=%uMB HP=%uMB Sst=%d\n", hashMegabytes, pawnMegabytes, int(sizeof(search::NodeState)));
+    std::fprintf(stderr, "Hash=%uMB HP=%uMB Sst=%d\n", hashMegabytes, pawnMegabytes, int(sizeof(position::NodeState)));
 }
 
 }  // namespace

@@ -15,7 +15,7 @@
 #include "frontend/ucicommands.h"
 #include "platform/clock.h"
 #include "platform/thread.h"
-#include "search/linebuffers.h"
+#include "search/lines.h"
 #include "search/search.h"
 #include "search/think.h"
 

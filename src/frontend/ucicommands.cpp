@@ -13,7 +13,8 @@
 #include "frontend/thinkthread.h"
 #include "frontend/timecontrol.h"
 #include "search/hashtable.h"
-#include "search/movegen.h"
+#include "eval/pawnhash.h"
+#include "search/ordering.h"
 #include "tablebase/probe.h"
 #include "tablebase/registry.h"
 
@@ -173,7 +174,7 @@ void setoptionCommand(const char* line) {
 // the first of a game. The position itself comes with "position".
 void ucinewgameCommand(const char* line) {
     search::clearHash();
-    search::clearPawnHash();
+    eval::clearPawnHash();
     search::clearHistory();
     search::clearKillers();
     search::clearCounters();

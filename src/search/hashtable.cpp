@@ -1,5 +1,5 @@
 // Sizing, clearing, probing and replacement of the transposition table, and
-// the storage of the pawn hash table.
+// the sizing of the pawn hash with it.
 
 #include "search/hashtable.h"
 
@@ -8,14 +8,14 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "eval/pawnhash.h"
+
 namespace search {
 
 HashBucket* hashTable = nullptr;
 std::uint32_t hashEntries = 0;
 std::uint32_t hashMask = 0;
 std::uint8_t hashGeneration = 1;
-PawnHashEntry* pawnHashTable = nullptr;
-std::uint32_t pawnHashEntries = 0;
 
 namespace {
 
@@ -40,9 +40,7 @@ void releaseTables() {
     hashTable = nullptr;
     hashEntries = 0;
     hashMask = 0;
-    std::free(pawnHashTable);
-    pawnHashTable = nullptr;
-    pawnHashEntries = 0;
+    eval::freePawnHash();
 }
 
 // Allocates both tables at the given sizes, one after the other so that the
@@ -55,17 +53,12 @@ bool allocateTables(std::uint32_t buckets, std::uint32_t pawnEntries) {
     hashEntries = buckets;
     hashMask = buckets - 1;
     clearHash();
-    auto* pawns = static_cast<PawnHashEntry*>(std::malloc(std::size_t(pawnEntries) * sizeof(PawnHashEntry)));
-    if (pawns == nullptr) return false;
-    pawnHashTable = pawns;
-    pawnHashEntries = pawnEntries;
-    clearPawnHash();
-    return true;
+    return eval::allocatePawnHash(pawnEntries);
 }
 
 // The side to move is not in the key: it picks one of two neighbouring
 // buckets through bit 0 of the index.
-HashBucket& bucketOf(int blackToMove, const NodeState& node) {
+HashBucket& bucketOf(int blackToMove, const position::NodeState& node) {
     return hashTable[((node.hashKey[0] & ~1u) | std::uint32_t(blackToMove != 0)) & hashMask];
 }
 
@@ -86,9 +79,9 @@ int slotWorth(const HashEntry& e) {
 std::int64_t setHashSize(std::int64_t bytes) {
     const std::uint64_t n = bytes > 0 ? std::uint64_t(bytes) / BucketBytes : 0;
     const std::uint64_t buckets = std::clamp<std::uint64_t>(std::bit_floor(n), MinHashEntries, MaxHashEntries);
-    const std::uint32_t pawnEntries = std::max<std::uint32_t>(std::uint32_t(buckets / 4), MinPawnHashEntries);
+    const std::uint32_t pawnEntries = std::max<std::uint32_t>(std::uint32_t(buckets / 4), eval::MinPawnHashEntries);
     if (allocateTables(std::uint32_t(buckets), pawnEntries)) return bytes;
-    allocateTables(MinHashEntries, MinPawnHashEntries);
+    allocateTables(MinHashEntries, eval::MinPawnHashEntries);
     return -1;
 }
 
@@ -96,12 +89,6 @@ std::int64_t setHashSize(std::int64_t bytes) {
 void clearHash() {
     hashGeneration = 1;
     if (hashTable != nullptr) std::memset(hashTable, 0, std::size_t(hashEntries) * sizeof(HashBucket));
-}
-
-// Empties the pawn cache for a new game.
-void clearPawnHash() {
-    if (pawnHashTable != nullptr)
-        std::memset(pawnHashTable, 0, std::size_t(pawnHashEntries) * sizeof(PawnHashEntry));
 }
 
 // Releases both tables at program end.
@@ -113,7 +100,7 @@ void nextGeneration() { hashGeneration = hashGeneration >= MaxGeneration ? 1 : h
 
 // The first slot is filled first, so an empty first slot means an empty
 // bucket and the second isn't looked at.
-HashEntry* hashProbe(int blackToMove, const NodeState& node) {
+HashEntry* hashProbe(int blackToMove, const position::NodeState& node) {
     if (hashTable == nullptr) return nullptr;
     HashBucket& bucket = bucketOf(blackToMove, node);
     const std::uint32_t key = node.hashKey[1];
@@ -130,7 +117,7 @@ HashEntry* hashProbe(int blackToMove, const NodeState& node) {
 // position unless with an exact score, and stores mate scores relative to
 // this node so that they stay right at another ply.
 void hashStore(int kind, int score, board::Move move, int depth, int pv, int blackToMove,
-               const NodeState& node, int staticEval) {
+               const position::NodeState& node, int staticEval) {
     if (hashTable == nullptr) return;
     HashBucket& bucket = bucketOf(blackToMove, node);
     const std::uint32_t key = node.hashKey[1];

@@ -1,11 +1,13 @@
 #pragma once
-// The transposition table and the storage of the pawn hash table. One memory
-// figure sizes both; both live on the heap from start-up to program end and
+// The transposition table. One memory figure sizes it and the pawn hash of
+// eval/pawnhash.h; both live on the heap from start-up to program end and
 // are only resized or cleared while no think runs.
 
 #include <cstdint>
 
-#include "search/searchboard.h"
+#include "board/side.h"
+#include "board/types.h"
+#include "position/searchboard.h"
 
 namespace search {
 
@@ -48,51 +50,39 @@ inline int scoreFromHash(int stored, int ply) {
     return stored;
 }
 
-// The pawn structure cache entry: 28 bytes. The pawn evaluation owns its
-// meaning; only size and clearing are handled here.
-#pragma pack(push, 4)
-struct PawnHashEntry {
-    std::uint32_t keyHigh;       // high word of pawnKey
-    std::uint16_t keyMid;        // bits 16-31 of the low word of pawnKey
-    std::int16_t score;          // White minus Black
-    std::uint32_t packed;        // king squares, best passers, piece counts
-    std::uint64_t whiteAttacks;  // squares attacked by White pawns
-    std::uint64_t blackAttacks;  // squares attacked by Black pawns
-};
-#pragma pack(pop)
-static_assert(sizeof(PawnHashEntry) == 28);
-
-// Bit positions of the fields of PawnHashEntry::packed.
-constexpr int PackedWhiteKingShift = 0;
-constexpr int PackedBlackKingShift = 6;
-constexpr int PackedWhitePasserShift = 12;
-constexpr int PackedBlackPasserShift = 18;
-constexpr int PackedWhitePiecesShift = 24;
-constexpr int PackedBlackPiecesShift = 28;
-
 constexpr std::uint32_t MinHashEntries = 0x20000;
-constexpr std::uint32_t MinPawnHashEntries = 65536;
 
 extern HashBucket* hashTable;            // hashEntries buckets
 extern std::uint32_t hashEntries;        // a power of two
 extern std::uint32_t hashMask;           // hashEntries - 1
 extern std::uint8_t hashGeneration;      // 1..63, the age of this think
-extern PawnHashEntry* pawnHashTable;     // pawnHashEntries entries
-extern std::uint32_t pawnHashEntries;
 
 // Frees and reallocates both tables for a memory figure in bytes. Returns
 // `bytes`, or -1 when an allocation failed.
 std::int64_t setHashSize(std::int64_t bytes);
 void clearHash();
-void clearPawnHash();
 void freeHash();
 void nextGeneration();
 
 // The slot holding this position for the side to move, or null.
-HashEntry* hashProbe(int blackToMove, const NodeState& node);
+HashEntry* hashProbe(int blackToMove, const position::NodeState& node);
+// The table's entry for the node, or null if there is none or its move
+// can't be this position's (a collision of keys): a move must start on a
+// piece of the side to move and not land on one.
+template <board::Color C>
+inline const HashEntry* hashProbeFitting(const position::NodeState& node) {
+    const HashEntry* entry = hashProbe(C == board::Black, node);
+    if (entry == nullptr || entry->move == 0) return entry;
+    const int fromId = position::searchBoard.boardPiece[board::moveFrom(entry->move)];
+    const int toId = position::searchBoard.boardPiece[board::moveTo(entry->move)];
+    if (fromId == board::NoPiece || !board::Side<C>::owns(fromId)) return nullptr;
+    if (toId != board::NoPiece && board::Side<C>::owns(toId)) return nullptr;
+    return entry;
+}
+
 // depth in 1/256 ply; keys and ply come from `node`.
 void hashStore(int kind, int score, board::Move move, int depth, int pv, int blackToMove,
-               const NodeState& node, int staticEval);
+               const position::NodeState& node, int staticEval);
 
 // Bytes of tablebase cache that go with a memory figure of `megabytes`.
 std::int64_t tablebaseCacheSize(std::int64_t megabytes);

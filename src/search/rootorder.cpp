@@ -3,23 +3,11 @@
 
 #include <csetjmp>
 
-#include "search/movegen.h"
+#include "search/ordering.h"
 #include "search/search.h"
 #include "search/think.h"
 
 namespace search {
-
-namespace {
-
-constexpr std::uint32_t MoveHalf = 0xffffu;
-
-int scoreHalf(board::Move word) { return int(word) >> 16; }
-
-board::Move withSignedScore(board::Move word, int score) {
-    return board::Move((std::uint32_t(word) & MoveHalf) | (std::uint32_t(score) << 16));
-}
-
-}  // namespace
 
 // A list longer than the snapshot can hold is searched in its first
 // RootListSize - 1 moves only: every later step then sees a list that
@@ -40,7 +28,7 @@ void copyToRootMoves(const board::Move* moves) {
 
 void resetRootScores(board::Move* moves) {
     const int n = rootListLength(moves);
-    for (int i = 0; i < n; ++i) moves[i] = withSignedScore(moves[i], NoRootScore);
+    for (int i = 0; i < n; ++i) moves[i] = board::withScore(moves[i], NoRootScore);
 }
 
 // A selection that moves the first of the best words forward and shifts the
@@ -51,7 +39,7 @@ void sortRootMoves(board::Move* moves) {
     for (int place = 0; place < n; ++place) {
         int best = place;
         for (int i = place + 1; i < n; ++i)
-            if (scoreHalf(moves[i]) > scoreHalf(moves[best])) best = i;
+            if (board::scoreHalf(moves[i]) > board::scoreHalf(moves[best])) best = i;
         if (best == place) continue;
         const board::Move taken = moves[best];
         for (int i = best; i > place; --i) moves[i] = moves[i - 1];
@@ -62,8 +50,8 @@ void sortRootMoves(board::Move* moves) {
 void setRootScore(board::Move* moves, board::Move word, int score) {
     const int n = rootListLength(moves);
     for (int i = 0; i < n; ++i) {
-        if ((std::uint32_t(moves[i]) & MoveHalf) == (std::uint32_t(word) & MoveHalf)) {
-            moves[i] = withSignedScore(moves[i], score);
+        if (board::moveHalf(moves[i]) == board::moveHalf(word)) {
+            moves[i] = board::withScore(moves[i], score);
             return;
         }
     }
@@ -81,7 +69,7 @@ void orderRootMoves(int side, board::Move* moves, board::Position& position) {
         const int n = rootListLength(moves);
         for (int i = 0; i < n; ++i) {
             const int result = startSearch(side, moves[i], CheckLegality, 0, -InfiniteScore, InfiniteScore, position);
-            moves[i] = withSignedScore(moves[i], -result);
+            moves[i] = board::withScore(moves[i], -result);
         }
     }
     sortRootMoves(moves);

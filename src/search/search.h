@@ -3,7 +3,7 @@
 // draw tests it applies, and the globals that the recursion reads and writes.
 //
 // Where the search's globals live:
-//  - Here (defined in search.cpp, owned by the node): abortSearch, abortJump,
+//  - Here (defined in node.cpp, owned by the node): abortSearch, abortJump,
 //    timeCheckCounter, the statistics nodeCount, moveCount, interiorCount,
 //    hashHitCount and quiesceCount, currentRootMove and extensionPlyLimit.
 //    The think driver clears and sets them between searches and reads them
@@ -11,15 +11,15 @@
 //  - In the think driver: checkTime() and everything it reads (clock start,
 //    limits, softTimeUp, failingHigh), bestScore, the iteration state and
 //    the line buffers. checkTime() is the one call from the node into it.
-//  - Elsewhere: pvHeads in search/pv.h, rootMoves and the learned ordering
-//    tables in search/movegen.h, the game history in board/game.h.
+//  - Elsewhere: pvHeads in search/lines.h, rootMoves and the learned ordering
+//    tables in search/ordering.h, the game history in board/game.h.
 
 #include <atomic>
 #include <csetjmp>
 #include <cstdint>
 
 #include "board/types.h"
-#include "search/searchboard.h"
+#include "position/searchboard.h"
 
 namespace search {
 
@@ -87,18 +87,18 @@ void checkTime();
 // ply the node runs quiescence. Result from the view of the side to move at
 // the node, or IllegalScore if `move` left the mover's king attacked.
 // `parent` is read, never written.
-int searchWhite(board::Move move, unsigned flags, int depth, int alpha, int beta, const NodeState* parent);
-int searchBlack(board::Move move, unsigned flags, int depth, int alpha, int beta, const NodeState* parent);
+int searchWhite(board::Move move, unsigned flags, int depth, int alpha, int beta, const position::NodeState* parent);
+int searchBlack(board::Move move, unsigned flags, int depth, int alpha, int beta, const position::NodeState* parent);
 
 // ------------------------------------------------------------ draws
 
 // 1 if neither side can mate by material: no pawns, and a lone minor
 // piece against a bare king, or bishops that run on squares of one colour.
-int isMaterialDraw(const NodeState& node);
+int isMaterialDraw(const position::NodeState& node);
 
 // Earlier occurrences of the node's position with the same side to move,
 // walking the game history back to the last irreversible move or null move.
 // A single occurrence counts (1) only if it lies inside the search.
-int countRepetitions(int blackToMove, const NodeState& node);
+int countRepetitions(int blackToMove, const position::NodeState& node);
 
 }  // namespace search

@@ -8,7 +8,7 @@
 #include "board/notation.h"
 #include "frontend/commandloop.h"
 #include "platform/clock.h"
-#include "search/linebuffers.h"
+#include "search/lines.h"
 #include "search/think.h"
 
 namespace search {
@@ -66,9 +66,9 @@ void printSearchInfo(const board::Move* moves, int score, std::uint32_t elapsedM
     {
         platform::SectionGuard guard(lineLock);
         if (uciOutput)
-            board::formatVariationCoordinate(variation, room, mark);
+            board::formatVariationCoordinate(variation, room, displayLine, mark);
         else
-            board::formatVariationSan(variation, room, 0, side, moves, position, mark);
+            board::formatVariationSan(variation, room, displayLine, 0, side, moves, position, mark);
     }
     std::strcat(line, "\n");
     std::fputs(line, stdout);

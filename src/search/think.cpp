@@ -16,11 +16,10 @@
 #include "frontend/logfile.h"
 #include "platform/clock.h"
 #include "search/hashtable.h"
-#include "search/linebuffers.h"
-#include "search/movegen.h"
-#include "search/pv.h"
+#include "search/lines.h"
+#include "search/ordering.h"
 #include "search/search.h"
-#include "search/searchboard.h"
+#include "position/searchboard.h"
 
 namespace search {
 
@@ -47,10 +46,6 @@ constexpr int FullIterationLimit = MaxSearchPly;
 // A score drop this large at the end of an iteration earns one more.
 constexpr int ScoreDropForMoreTime = -159;
 constexpr int BoardMismatchCode = 333;
-
-constexpr std::uint32_t MoveHalf = 0xffffu;
-
-int scoreHalf(board::Move word) { return int(word) >> 16; }
 
 // Everything an iteration changes that must survive the jump back from
 // the recursion. It lives outside any frame that calls setjmp, so its
@@ -96,11 +91,11 @@ void aspirationLoop() {
     iter.delta = AspirationDelta;
     do {
         PvNode* head = pvHeads[0];
-        head->word = (head->word & MoveHalf) | (std::uint32_t(NoRootScore) << 16);
+        head->word = std::uint32_t(board::withScore(board::Move(head->word), NoRootScore));
         startSearch(iter.side ^ 1, board::NoMove, RootNode, iter.number, iter.alpha, iter.beta, *iter.position);
 
         const board::Move word = board::Move(pvHeads[0]->word);
-        const int s = scoreHalf(word);
+        const int s = board::scoreHalf(word);
         if (s >= NoRootScore + 1) takeRootScore(word, s);
         // A fail low has no score of its own; its line shows the bound it
         // failed under, which is what a reader of the output expects.
@@ -150,7 +145,7 @@ void runIteration() {
         }
         aspirationLoop();
         const board::Move word = board::Move(pvHeads[0]->word);
-        const int s = scoreHalf(word);
+        const int s = board::scoreHalf(word);
         if (s >= NoRootScore + 1) {
             failingHigh = 0;
             bestScore = s;
@@ -162,7 +157,7 @@ void runIteration() {
         // startSearch rebuilds it before any further use. A root move that
         // finished and raised alpha in this try still counts.
         const board::Move word = board::Move(pvHeads[0]->word);
-        const int s = scoreHalf(word);
+        const int s = board::scoreHalf(word);
         if (s >= NoRootScore + 1) {
             bestScore = s;
             takeRootScore(word, s);
@@ -177,7 +172,7 @@ int answerFromBook(int side, board::Move* moves, const board::Position& position
     bestScore = NoScoreYet;
     {
         platform::SectionGuard guard(lineLock);
-        displayLine[0] = moves[0] & board::LowMoveMask;
+        displayLine[0] = board::moveHalf(moves[0]);
         displayLine[1] = board::NoMove;
     }
     moveCount.store(1, std::memory_order_relaxed);
@@ -226,14 +221,14 @@ int softStopDue(int scoreChange) {
 // the board as it found it; the comparison is the make/unmake self-check.
 int startSearch(int justMoved, board::Move move, unsigned flags, int iteration, int alpha, int beta,
                 const board::Position& position) {
-    NodeState state;
-    buildNodeState(state, position);
-    setPromotedMask(state, position);
-    const SearchBoard saved = searchBoard;
+    position::NodeState state;
+    position::buildNodeState(state, position);
+    position::setPromotedMask(state, position);
+    const position::SearchBoard saved = position::searchBoard;
     const int depth = iteration * OnePly;
     const int result = justMoved == 0 ? searchBlack(move, flags, depth, alpha, beta, &state)
                                       : searchWhite(move, flags, depth, alpha, beta, &state);
-    if (std::memcmp(&saved, &searchBoard, sizeof saved) != 0) {
+    if (std::memcmp(&saved, &position::searchBoard, sizeof saved) != 0) {
         char text[32];
         std::snprintf(text, sizeof text, "MO code %d", BoardMismatchCode);
         frontend::logText(text);

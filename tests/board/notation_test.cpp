@@ -10,11 +10,13 @@
 #include "board/game.h"
 #include "board/movetext.h"
 #include "board/notation.h"
-#include "search/displayline.h"
 
 using namespace board;
 
 namespace {
+
+// The variation the printers read, as the think driver leaves it.
+Move line[VariationWords];
 
 Move mv(const char* text, int side = White) {
     std::string buffer(text);
@@ -30,27 +32,27 @@ std::string san(const char* move) {
 
 void setup(const char* fen) { ASSERT_EQ(setupFromFen(game, fen), 0) << fen; }
 
-// displayLine from coordinate texts, with a score in the upper half as the
+// The line from coordinate texts, with a score in the upper half as the
 // think driver leaves it.
 void setLine(std::initializer_list<const char*> moves) {
     int ply = 0;
     int side = White;
     for (const char* m : moves) {
-        search::displayLine[ply++] = (37 << 16) | mv(m, side);
+        line[ply++] = (37 << 16) | mv(m, side);
         side ^= 1;
     }
-    search::displayLine[ply] = NoMove;
+    line[ply] = NoMove;
 }
 
 std::string sanLine(int mark) {
     char text[VariationTextSize] = "";
-    formatVariationSan(text, sizeof text, 0, game.sideToMove, game.legalMoves, *game.position, mark);
+    formatVariationSan(text, sizeof text, line, 0, game.sideToMove, game.legalMoves, *game.position, mark);
     return text;
 }
 
 std::string coordinateLine(int mark, std::size_t capacity = VariationTextSize) {
     char text[VariationTextSize];
-    formatVariationCoordinate(text, capacity, mark);
+    formatVariationCoordinate(text, capacity, line, mark);
     return text;
 }
 
@@ -112,7 +114,7 @@ TEST(VariationSan, MarkStandsBehindTheFirstBlank) {
 
     // Appends to what the caller has written.
     char text[VariationTextSize] = "1 12 ";
-    formatVariationSan(text, sizeof text, 0, White, game.legalMoves, *game.position, MarkNone);
+    formatVariationSan(text, sizeof text, line, 0, White, game.legalMoves, *game.position, MarkNone);
     EXPECT_STREQ(text, "1 12 Nf3 Nc6 e4 e5 ");
 }
 
@@ -132,9 +134,9 @@ TEST(VariationSan, EachMoveIsWrittenInItsOwnPosition) {
 
     // Black to move first: the line starts with Black's list.
     setup("4k3/8/8/8/8/8/8/R3K3 b Q -");
-    search::displayLine[0] = mv("e8d7", Black);
-    search::displayLine[1] = mv("e1c1");
-    search::displayLine[2] = NoMove;
+    line[0] = mv("e8d7", Black);
+    line[1] = mv("e1c1");
+    line[2] = NoMove;
     EXPECT_EQ(sanLine(MarkFailHigh), "Kd7 !O-O-O ");
 }
 
@@ -142,7 +144,7 @@ TEST(VariationSan, AFullLineStopsAtFiftyNineMoves) {
     resetGame(game);
     rescanMoves(game);
     const char* cycle[4] = {"g1f3", "g8f6", "f3g1", "f6g8"};
-    for (int ply = 0; ply < search::LineWords; ++ply) search::displayLine[ply] = mv(cycle[ply % 4], ply % 2);
+    for (int ply = 0; ply < VariationWords; ++ply) line[ply] = mv(cycle[ply % 4], ply % 2);
     const std::string text = sanLine(MarkFailHigh);
     EXPECT_EQ(text.substr(0, 21), "Nf3 !Nf6 Ng1 Ng8 Nf3 ");
     EXPECT_EQ(text.size(), 59u * 4 + 1);
@@ -153,17 +155,17 @@ TEST(VariationSan, AFullLineStopsAtFiftyNineMoves) {
 }
 
 TEST(VariationCoordinate, MarkIsGluedToTheFirstMove) {
-    search::displayLine[0] = mv("e2e4");
-    search::displayLine[1] = mv("e7e5") | (5 << 16);
-    search::displayLine[2] = NoMove;
+    line[0] = mv("e2e4");
+    line[1] = mv("e7e5") | (5 << 16);
+    line[2] = NoMove;
     EXPECT_EQ(coordinateLine(MarkFailHigh), "e2e4! e7e5 ");
     EXPECT_EQ(coordinateLine(MarkFailLow), "e2e4? e7e5 ");
     EXPECT_EQ(coordinateLine(MarkNone), "e2e4 e7e5 ");
     EXPECT_EQ(coordinateLine(MarkFailHigh, 8), "e2e4! ");  // whole moves only
 
-    search::displayLine[0] = mv("e7e8q");
-    search::displayLine[1] = NoMove;
+    line[0] = mv("e7e8q");
+    line[1] = NoMove;
     EXPECT_EQ(coordinateLine(MarkNone), "e7e8Q ");
-    search::displayLine[0] = NoMove;
+    line[0] = NoMove;
     EXPECT_EQ(coordinateLine(MarkFailHigh), "");
 }

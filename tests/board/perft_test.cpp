@@ -14,7 +14,7 @@
 #include "board/game.h"
 #include "board/perft.h"
 #include "board/scan.h"
-#include "search/searchperft.h"
+#include "position/perft.h"
 
 using namespace board;
 
@@ -160,7 +160,7 @@ TEST(PerftOracle, BothGeneratorsAgreeWithAnIndependentEngine) {
         ASSERT_EQ(setupFromFen(game, fen.c_str()), 0) << fen;
         EXPECT_EQ(perftGame(*game.position, game.sideToMove, game.legalMoves, depth), expected) << "scan: " << fen;
         ASSERT_EQ(setupFromFen(game, fen.c_str()), 0) << fen;
-        EXPECT_EQ(static_cast<long long>(search::searchPerft(*game.position, game.sideToMove, depth)), expected)
+        EXPECT_EQ(static_cast<long long>(position::searchPerft(*game.position, game.sideToMove, depth)), expected)
             << "search: " << fen;
     }
 }

@@ -40,7 +40,7 @@ TEST(KingShelter, PawnsOnTheKingsRankOrBehindItDontCover) {
 }
 
 TEST(HeavyOnFile, CountsQueenAndOriginalRooksUpToTwo) {
-    const search::NodeState node = rootNode("6k1/5p1p/8/8/6R1/6Q1/6R1/4K3 b - - 0 1");
+    const position::NodeState node = rootNode("6k1/5p1p/8/8/6R1/6Q1/6R1/4K3 b - - 0 1");
     EXPECT_EQ(eval::heavyOnFile(fileOf(G1), White, node), 2);
     EXPECT_EQ(eval::heavyOnFile(fileOf(F1), White, node), 0);  // the defender's f7 pawn
     EXPECT_EQ(eval::heavyOnFile(fileOf(G1), Black, node), 0);
@@ -103,7 +103,7 @@ TEST(KingSafety, MatingPatternsAdd182) {
 }
 
 TEST(KingSafety, NoMatingPatternOnAWingGivenUpWithoutCastling) {
-    search::NodeState node = rootNode("6k1/5p1p/5B2/8/8/8/8/3QK3 w - - 0 1");
+    position::NodeState node = rootNode("6k1/5p1p/5B2/8/8/8/8/3QK3 w - - 0 1");
     node.castleState[CastleBlackShort] = CastleLost;
     EXPECT_EQ(eval::evaluateKingSafety(node), 41 - 306);
 }

@@ -60,7 +60,7 @@ struct Evaluation {
 // the last position built.
 Evaluation evaluateRoot(const Position& position, int blackToMove) {
     Position root = position;
-    const search::NodeState node = rootFromPosition(root);
+    const position::NodeState node = rootFromPosition(root);
     return {node.phaseClass, node.pstScore, traceEvaluate(blackToMove, node)};
 }
 

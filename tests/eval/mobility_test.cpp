@@ -16,7 +16,7 @@ struct MobilityResult {
     int proximity;
 };
 
-MobilityResult mobilityOf(const search::NodeState& node, int blackToMove) {
+MobilityResult mobilityOf(const position::NodeState& node, int blackToMove) {
     eval::EvalTerms terms = withPawnAttacks(node);
     const int score = eval::evaluateMobility(terms.whitePawnAttacks, terms.blackPawnAttacks, blackToMove, node, terms);
     return {score, terms.positional, terms.proximity};
@@ -46,10 +46,10 @@ TEST(Mobility, RaysPassOwnHeavyPiecesOnlyWhereAllowed) {
 }
 
 TEST(Mobility, PieceAttackedByAPawnCostsMoreWithTheEnemyToMove) {
-    const search::NodeState white = rootNode("4k3/8/8/8/8/1p6/R7/4K3 w - - 0 1");
+    const position::NodeState white = rootNode("4k3/8/8/8/8/1p6/R7/4K3 w - - 0 1");
     EXPECT_EQ(mobilityOf(white, 0).positional, -60);
     EXPECT_EQ(mobilityOf(white, 1).positional, -120);
-    const search::NodeState black = rootNode("4k3/r7/1P6/8/8/8/8/4K3 w - - 0 1");
+    const position::NodeState black = rootNode("4k3/r7/1P6/8/8/8/8/4K3 w - - 0 1");
     EXPECT_EQ(mobilityOf(black, 0).positional, 120);
     EXPECT_EQ(mobilityOf(black, 1).positional, 60);
 }
@@ -62,7 +62,7 @@ TEST(Mobility, QueenIsPenalisedWhereAnyPieceStrikesRookOnlyByPawns) {
 // The second queen of the position sits in a pawn slot; it is walked only
 // when its bit is set, and its rays end at the other queen.
 TEST(Mobility, PromotedQueenWalkedOnlyWithItsBit) {
-    search::NodeState node = rootNode("4k3/8/8/8/8/8/8/Q2QK3 w - - 0 1");
+    position::NodeState node = rootNode("4k3/8/8/8/8/8/8/Q2QK3 w - - 0 1");
     ASSERT_NE(node.promotedMask, 0u);
     EXPECT_EQ(mobilityOf(node, 0).score, 2 * (72 + 72));
     node.promotedMask = 0;

@@ -19,7 +19,7 @@ TEST(NoPawnEnding, DeadMaterialIsADrawReturnedAsMinusTwo) {
         "4k1n1/8/8/8/8/8/8/4KB2 w - - 0 1",
     };
     for (const char* fen : dead) {
-        const search::NodeState node = rootNode(fen);
+        const position::NodeState node = rootNode(fen);
         EXPECT_EQ(eval::evaluateNoPawnEnding(node), 0) << fen;
         EXPECT_EQ(eval::evaluate(0, node), eval::ZeroEvaluation) << fen;
         EXPECT_EQ(eval::evaluate(1, node), eval::ZeroEvaluation) << fen;
@@ -47,11 +47,11 @@ TEST(NoPawnEnding, BishopsDriveToTheCorner) {
 }
 
 TEST(NoPawnEnding, DrawishSignaturesPullTowardsEqual) {
-    const search::NodeState rookMinorRook = rootNode("r3k3/8/8/8/8/8/8/RN2K3 w - - 0 1");
+    const position::NodeState rookMinorRook = rootNode("r3k3/8/8/8/8/8/8/RN2K3 w - - 0 1");
     EXPECT_EQ(eval::noPawnSignatureChange(rookMinorRook), -936);
-    const search::NodeState minorsMinor = rootNode("4k1n1/8/8/8/8/8/8/1N2KB2 w - - 0 1");
+    const position::NodeState minorsMinor = rootNode("4k1n1/8/8/8/8/8/8/1N2KB2 w - - 0 1");
     EXPECT_EQ(eval::noPawnSignatureChange(minorsMinor), -936);
-    const search::NodeState minorRook = rootNode("r3k3/8/8/8/8/8/8/4KB2 w - - 0 1");
+    const position::NodeState minorRook = rootNode("r3k3/8/8/8/8/8/8/4KB2 w - - 0 1");
     EXPECT_EQ(eval::noPawnSignatureChange(minorRook), 468);
     // Queen against rook has no signature.
     EXPECT_EQ(eval::noPawnSignatureChange(rootNode("r3k3/8/8/8/8/8/8/3QK3 w - - 0 1")), 0);

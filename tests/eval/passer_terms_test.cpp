@@ -13,7 +13,7 @@ using namespace board;
 namespace {
 
 // The groups as the frame has them when the ending terms start.
-eval::EvalTerms afterPawns(const search::NodeState& node) {
+eval::EvalTerms afterPawns(const position::NodeState& node) {
     eval::EvalTerms terms{};
     terms.pawnScore = eval::computePawns(node, 0, terms);
     return terms;
@@ -25,14 +25,14 @@ struct Change {
 };
 
 Change kingRace(const char* fen) {
-    const search::NodeState node = rootNode(fen);
+    const position::NodeState node = rootNode(fen);
     eval::EvalTerms terms = afterPawns(node);
     const int pawnScore = terms.pawnScore;
     eval::evaluateKingRace(node, terms);
     return {terms.positional, terms.pawnScore - pawnScore};
 }
 
-int passerEndgame(const search::NodeState& node) {
+int passerEndgame(const position::NodeState& node) {
     eval::EvalTerms terms = afterPawns(node);
     eval::evaluatePasserEndgame(node, terms);
     return terms.positional;
@@ -85,7 +85,7 @@ TEST(KingToPawns, NearestOwnPawnOnly) {
         {"4k3/8/8/8/8/8/P7/Q3KQ2 w - - 0 1", -200},
     };
     for (const Case& c : cases) {
-        const search::NodeState node = rootNode(c.fen);
+        const position::NodeState node = rootNode(c.fen);
         eval::EvalTerms terms = afterPawns(node);
         eval::evaluateKingToPawns(node, terms);
         EXPECT_EQ(terms.proximity, c.proximity) << c.fen;
@@ -133,7 +133,7 @@ TEST(PasserEndgame, KnightCatchingThePasser) {
 
 TEST(PasserEndgame, TradingDownOnlyAfterATradeSinceTheRoot) {
     // White a pawn and a knight up, with a pawn score of 21 + 53 for it.
-    const search::NodeState node = rootNode("4k3/p7/8/8/8/8/PP6/4KN2 w - - 0 1");
+    const position::NodeState node = rootNode("4k3/p7/8/8/8/8/PP6/4KN2 w - - 0 1");
     EXPECT_EQ(passerEndgame(node), 0);
     const int rootBlack = eval::rootPieceCount[Black];
     eval::rootPieceCount[Black] = node.pieceCount[Black] + 1;

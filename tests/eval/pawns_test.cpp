@@ -20,7 +20,7 @@ struct PawnResult {
 };
 
 PawnResult computed(const char* fen, int blackToMove) {
-    const search::NodeState node = rootNode(fen);
+    const position::NodeState node = rootNode(fen);
     eval::EvalTerms terms{};
     const int score = eval::computePawns(node, blackToMove, terms);
     return {score, terms.bestWhitePasser, terms.bestBlackPasser};
@@ -30,13 +30,13 @@ PawnResult computed(const char* fen, int blackToMove) {
 // was answered from the table.
 constexpr std::int16_t Planted = 12345;
 
-void plant(const search::NodeState& node, int blackToMove) {
-    search::PawnHashEntry* e = eval::pawnHashSlot(node, blackToMove);
+void plant(const position::NodeState& node, int blackToMove) {
+    eval::PawnHashEntry* e = eval::pawnHashSlot(node, blackToMove);
     ASSERT_NE(e, nullptr);
     e->score = Planted;
 }
 
-int probe(const search::NodeState& node, int blackToMove) {
+int probe(const position::NodeState& node, int blackToMove) {
     eval::EvalTerms terms{};
     return eval::evaluatePawns(node, blackToMove, terms);
 }
@@ -46,14 +46,14 @@ class PawnHash : public testing::Test {
   protected:
     void SetUp() override {
         ASSERT_EQ(search::setHashSize(0), 0);
-        search::clearPawnHash();
+        eval::clearPawnHash();
     }
 };
 
 }  // namespace
 
 TEST(PawnStructure, InitialPositionCancelsAndAttacksTheThirdAndSixthRanks) {
-    const search::NodeState node = rootNode("rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1");
+    const position::NodeState node = rootNode("rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1");
     eval::EvalTerms terms{};
     EXPECT_EQ(eval::computePawns(node, 0, terms), 0);
     EXPECT_EQ(terms.bestWhitePasser, 0);
@@ -96,7 +96,7 @@ TEST(PawnStructure, ScoresAndBestPassersOfHandWorkedPositions) {
         EXPECT_EQ(r.bestBlack, c.bestBlack) << c.fen;
     }
     // The promoted queen of the last case attacks nothing as a pawn.
-    const search::NodeState node = rootNode("4k3/p7/8/8/8/8/8/QQ2K3 w - - 0 1");
+    const position::NodeState node = rootNode("4k3/p7/8/8/8/8/8/QQ2K3 w - - 0 1");
     eval::EvalTerms terms{};
     eval::computePawns(node, 0, terms);
     EXPECT_EQ(terms.whitePawnAttacks, 0u);
@@ -128,10 +128,10 @@ TEST(PawnStructure, UncatchablePasserAgainstABareKing) {
 }
 
 TEST_F(PawnHash, TheTwoSidesToMoveHaveNeighbouringSlots) {
-    const search::NodeState node = rootNode("4k3/8/7P/8/8/8/8/K7 w - - 0 1");
-    search::PawnHashEntry* white = eval::pawnHashSlot(node, 0);
+    const position::NodeState node = rootNode("4k3/8/7P/8/8/8/8/K7 w - - 0 1");
+    eval::PawnHashEntry* white = eval::pawnHashSlot(node, 0);
     ASSERT_NE(white, nullptr);
-    EXPECT_EQ((white - search::pawnHashTable) % 2, 0);
+    EXPECT_EQ((white - eval::pawnHashTable) % 2, 0);
     EXPECT_EQ(eval::pawnHashSlot(node, 1), white + 1);
     // Each side keeps its own answer.
     EXPECT_EQ(probe(node, 0), 212 + 3829);
@@ -147,7 +147,7 @@ TEST_F(PawnHash, AHitGivesBackEverythingARecomputationGives) {
         "r1bq1rk1/2p1bppp/p1np1n2/1p2p3/4P3/1BP2N2/PP1P1PPP/RNBQR1K1 w - - 0 9",
     };
     for (const char* fen : fens) {
-        const search::NodeState node = rootNode(fen);
+        const position::NodeState node = rootNode(fen);
         for (int blackToMove = 0; blackToMove < 2; ++blackToMove) {
             eval::EvalTerms fresh{};
             const int expected = eval::computePawns(node, blackToMove, fresh);
@@ -188,11 +188,11 @@ TEST_F(PawnHash, KingSquaresAndPieceCountsDecideAHit) {
         {"1k5n/8/7P/8/8/8/8/K7 b - - 0 1", "1k4nn/8/7P/8/8/8/8/K7 b - - 0 1", true},
     };
     for (const Case& c : cases) {
-        search::clearPawnHash();
-        const search::NodeState stored = rootNode(c.stored);
+        eval::clearPawnHash();
+        const position::NodeState stored = rootNode(c.stored);
         probe(stored, 1);
         plant(stored, 1);
-        const search::NodeState probed = rootNode(c.probed);
+        const position::NodeState probed = rootNode(c.probed);
         eval::EvalTerms fresh{};
         const int expected = eval::computePawns(probed, 1, fresh);
         EXPECT_EQ(probe(probed, 1), c.hit ? Planted : expected) << c.stored << " then " << c.probed;
@@ -206,7 +206,7 @@ TEST_F(PawnHash, KingSquaresAndPieceCountsDecideAHit) {
 // After a failed resize the table may be missing: the structure is then
 // computed every time.
 TEST_F(PawnHash, NoTableMeansRecomputation) {
-    const search::NodeState node = rootNode("1k6/8/7P/8/8/8/8/K7 b - - 0 1");
+    const position::NodeState node = rootNode("1k6/8/7P/8/8/8/8/K7 b - - 0 1");
     search::freeHash();
     EXPECT_EQ(eval::pawnHashSlot(node, 1), nullptr);
     EXPECT_EQ(probe(node, 1), 212 + 3829);

@@ -8,7 +8,7 @@ using namespace board;
 
 namespace {
 
-using Term = void (*)(const search::NodeState&, eval::EvalTerms&);
+using Term = void (*)(const position::NodeState&, eval::EvalTerms&);
 
 struct Case {
     const char* fen;
@@ -16,7 +16,7 @@ struct Case {
 };
 
 eval::EvalTerms runTerm(Term term, const char* fen) {
-    const search::NodeState node = rootNode(fen);
+    const position::NodeState node = rootNode(fen);
     eval::EvalTerms terms = withPawnAttacks(node);
     term(node, terms);
     return terms;
@@ -101,8 +101,8 @@ TEST(TrappedPieces, KnightsAndRooksCaughtByPawns) {
 // Knight patterns read type and colour on the square, so a third knight,
 // which sits in a pawn slot, is caught like the others.
 TEST(TrappedPieces, PromotedKnightIsCaughtToo) {
-    const search::NodeState node = rootNode("NN2k2N/7p/8/8/8/8/8/4K3 w - - 0 1");
-    EXPECT_GE(search::searchBoard.boardPiece[H8], SlotPawnA);
+    const position::NodeState node = rootNode("NN2k2N/7p/8/8/8/8/8/4K3 w - - 0 1");
+    EXPECT_GE(position::searchBoard.boardPiece[H8], SlotPawnA);
     eval::EvalTerms terms{};
     eval::evaluateTrappedPieces(node, terms);
     EXPECT_EQ(terms.positional, -120);

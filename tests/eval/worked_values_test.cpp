@@ -64,7 +64,7 @@ TEST(WorkedValues, EveryGroupOfEveryRowAndBothSidesToMove) {
         // The groups are the table's for the side to move of the position.
         const int sideToMove = game.sideToMove;
         Position position = *game.position;
-        const search::NodeState node = rootFromPosition(position);
+        const position::NodeState node = rootFromPosition(position);
         EXPECT_EQ(node.phaseClass, row.phaseClass);
         if (row.groups) {
             const eval::EvalTerms t = traceEvaluate(sideToMove, node).terms;

@@ -9,7 +9,7 @@
 #include "board/game.h"
 #include "frontend/config.h"
 #include "frontend/thinkthread.h"
-#include "search/linebuffers.h"
+#include "search/lines.h"
 
 namespace {
 

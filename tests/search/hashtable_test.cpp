@@ -2,9 +2,11 @@
 // replacement rules, mate scores across plies, and ageing.
 #include <gtest/gtest.h>
 
+#include "eval/pawnhash.h"
 #include "search/hashtable.h"
 
 using namespace search;
+using namespace position;
 
 namespace {
 
@@ -50,9 +52,9 @@ TEST(HashSize, RoundsDownToPowersOfTwoAboveAMinimum) {
         EXPECT_EQ(setHashSize(c.bytes), c.bytes);
         EXPECT_EQ(hashEntries, c.buckets) << c.bytes;
         EXPECT_EQ(hashMask, c.buckets - 1) << c.bytes;
-        EXPECT_EQ(pawnHashEntries, c.pawnEntries) << c.bytes;
+        EXPECT_EQ(eval::pawnHashEntries, c.pawnEntries) << c.bytes;
         EXPECT_NE(hashTable, nullptr);
-        EXPECT_NE(pawnHashTable, nullptr);
+        EXPECT_NE(eval::pawnHashTable, nullptr);
     }
 }
 
@@ -163,7 +165,7 @@ TEST_F(HashTableTest, ClearEmptiesTheTableAndRestartsTheAge) {
     clearHash();
     EXPECT_EQ(hashGeneration, 1);
     EXPECT_EQ(hashProbe(0, a), nullptr);
-    pawnHashTable[5].score = 9;
-    clearPawnHash();
-    EXPECT_EQ(pawnHashTable[5].score, 0);
+    eval::pawnHashTable[5].score = 9;
+    eval::clearPawnHash();
+    EXPECT_EQ(eval::pawnHashTable[5].score, 0);
 }

@@ -8,16 +8,20 @@
 #include <string>
 
 #include "board/movetext.h"
-#include "eval/phase.h"
+#include "position/phase.h"
 #include "eval/pst.h"
-#include "search/make.h"
-#include "search/movegen.h"
+#include "position/attacks.h"
+#include "position/make.h"
+#include "position/movegen.h"
+#include "search/ordering.h"
 #include "search/roots.h"
 
 namespace {
 
 using namespace board;
 using namespace search;
+using namespace position;
+using board::Side;
 
 // Kinds of move the walk must meet at least once across the suite.
 enum MoveKind { Quiet, Capture, EnPassant, WhiteShort, WhiteLong, BlackShort, BlackLong,
@@ -52,8 +56,8 @@ struct TreeCheck {
         for (int i = 0; i < 4; ++i) p.castleState[i] = node.castleState[i];
         computeKeys(p);
         eval::setupEvaluation(p);
-        std::memcpy(eval::pstWhite, rootPstWhite, sizeof rootPstWhite);
-        std::memcpy(eval::pstBlack, rootPstBlack, sizeof rootPstBlack);
+        std::memcpy(position::pstWhite, rootPstWhite, sizeof rootPstWhite);
+        std::memcpy(position::pstBlack, rootPstBlack, sizeof rootPstBlack);
         const SearchBoard kept = searchBoard;
         NodeState f;
         buildNodeState(f, p);
@@ -63,7 +67,7 @@ struct TreeCheck {
         f.pstScore = 0;
         for (int id = 0; id < 32; ++id) {
             const int sq = p.pieceSquare[id];
-            if (sq != NoSquare) f.pstScore += id < 16 ? eval::pstWhite[p.pieceType[id]][sq] : -eval::pstBlack[p.pieceType[id]][sq];
+            if (sq != NoSquare) f.pstScore += id < 16 ? position::pstWhite[p.pieceType[id]][sq] : -position::pstBlack[p.pieceType[id]][sq];
         }
         return f;
     }
@@ -79,14 +83,14 @@ struct TreeCheck {
         if (std::memcmp(f.pawnFiles, node.pawnFiles, 2) != 0) fail("pawnFiles", m);
         if (f.promotedMask != node.promotedMask) fail("promotedMask", m);
         const bool rephased = captured != NoPiece || isPromotion(m);
-        if (node.phaseClass != (rephased ? eval::shortPhaseClass(f) : parent.phaseClass)) fail("phaseClass", m);
+        if (node.phaseClass != (rephased ? position::shortPhaseClass(f) : parent.phaseClass)) fail("phaseClass", m);
     }
 
     // The capture generator lists exactly the captures and queen promotions
     // of the full generator, without marks.
     template <Color C>
     void compareCaptures(const Move* all, const Move* captures) {
-        using S = SearchSide<C>;
+        using S = Side<C>;
         int expected = 0, found = 0;
         for (const Move* w = all; *w; ++w) {
             const int target = searchBoard.boardPiece[moveTo(*w)];
@@ -118,20 +122,20 @@ struct TreeCheck {
 
     template <Color C>
     void walk(const NodeState& parent, Move parentMove, int depth) {
-        constexpr Color them = SearchSide<C>::them;
+        constexpr Color them = Side<C>::them;
         Move list[MoveListSize], captures[MoveListSize];
-        generateAllOf<C>(list, moveFrom(parentMove), moveTo(parentMove), checkerOf<C>(), parent, MoveListSize);
-        if constexpr (C == White) generateCapturesWhite(captures, moveFrom(parentMove), moveTo(parentMove), MoveListSize);
-        else generateCapturesBlack(captures, moveFrom(parentMove), moveTo(parentMove), MoveListSize);
+        generateAll<C>(list, moveFrom(parentMove), moveTo(parentMove), checkerOf<C>(), parent, MoveListSize);
+        if constexpr (C == White) generateCaptures<White>(captures, moveFrom(parentMove), moveTo(parentMove), MoveListSize);
+        else generateCaptures<Black>(captures, moveFrom(parentMove), moveTo(parentMove), MoveListSize);
         compareCaptures<C>(list, captures);
         for (const Move* m = list; *m && failures == 0; ++m) {
-            if (searchBoard.boardPiece[moveTo(*m)] == SearchSide<them>::kingId) {
+            if (searchBoard.boardPiece[moveTo(*m)] == Side<them>::kingId) {
                 fail("a king capture in a legal position", *m);
                 break;
             }
             const SearchBoard before = searchBoard;
             const int victimType = searchBoard.pieceType[searchBoard.boardPiece[
-                moveSpecial(*m) == SpecialEnPassant ? moveTo(*m) - SearchSide<C>::up : moveTo(*m)]];
+                moveSpecial(*m) == SpecialEnPassant ? moveTo(*m) - Side<C>::up : moveTo(*m)]];
             NodeState node = parent;
             const int captured = makeMoveOf<C>(node, *m);
             if (!leavesKingAttacked<C>(*m)) {
@@ -146,8 +150,8 @@ struct TreeCheck {
 
     void run(const char* fen, int depth) {
         const NodeState root = rootNode(fen);
-        std::memcpy(rootPstWhite, eval::pstWhite, sizeof rootPstWhite);
-        std::memcpy(rootPstBlack, eval::pstBlack, sizeof rootPstBlack);
+        std::memcpy(rootPstWhite, position::pstWhite, sizeof rootPstWhite);
+        std::memcpy(rootPstBlack, position::pstBlack, sizeof rootPstBlack);
         const NodeState f = fresh(root);
         if (std::memcmp(&f.hashKey, &root.hashKey, 8) != 0 || f.pstScore != root.pstScore) fail("root", 0);
         if (game.sideToMove == White) walk<White>(root, NoMove, depth);
@@ -184,7 +188,7 @@ TEST(MakeUnmake, IncrementalFieldsMatchAFreshSetUpOverWholeTrees) {
 TEST(MakeUnmake, CastlingThroughAttackedSquareIsRefusedByTheChild) {
     NodeState root = rootNode("4k3/8/8/8/8/8/5r2/R3K2R w KQ -");
     Move list[MoveListSize];
-    generateAllWhite(list, 0, 0, checkerOfWhiteKing(), root, MoveListSize);
+    generateAll<White>(list, 0, 0, checkerOf<White>(), root, MoveListSize);
     bool offeredShort = false, offeredLong = false;
     for (const Move* m = list; *m; ++m) {
         offeredShort |= *m == WhiteShortCastle;
@@ -193,9 +197,9 @@ TEST(MakeUnmake, CastlingThroughAttackedSquareIsRefusedByTheChild) {
     ASSERT_TRUE(offeredShort && offeredLong);
     for (Move m : {WhiteShortCastle, WhiteLongCastle}) {
         NodeState node = root;
-        const int captured = makeMoveWhite(node, m);
-        EXPECT_EQ(moveIsIllegalWhite(m), m == WhiteShortCastle);
-        unmakeMoveWhite(m, captured);
+        const int captured = makeMoveOf<White>(node, m);
+        EXPECT_EQ(leavesKingAttacked<White>(m), m == WhiteShortCastle);
+        unmakeMoveOf<White>(m, captured);
     }
 }
 
@@ -204,44 +208,9 @@ TEST(MakeUnmake, CheckTestNamesTheFirstAttacker) {
     rootNode("4k3/8/3N4/8/8/8/8/4R1K1 b - -");  // double check by rook and knight
     const int rook = searchBoard.boardPiece[squareOf("e1")];
     ASSERT_LT(rook, searchBoard.boardPiece[squareOf("d6")]);
-    EXPECT_EQ(checkerOfBlackKing(), rook);
+    EXPECT_EQ(checkerOf<Black>(), rook);
     rootNode("4k3/8/8/8/8/8/8/4K3 b - -");
-    EXPECT_EQ(checkerOfBlackKing(), 0);
-}
-
-// A node's history entry: key, move, side and irreversible bits, while the
-// captured-id bits stay; fiftyCounter restarts at an irreversible or null move.
-TEST(MakeUnmake, HistoryEntryRecordsTheNodesMove) {
-    NodeState node = rootNode("4k3/8/8/8/8/8/4P3/4K1N1 w - -");
-    node.fiftyCounter = 7;
-    node.ply = 1;
-    GameHistoryEntry& entry = game.history[game.historyTop + 1];
-    entry.flags = 0x15;
-
-    const Move knight = makeMove(squareOf("g1"), squareOf("f3"));
-    NodeState child = node;
-    int captured = makeMoveWhite(child, knight);
-    recordHistoryWhite(child, knight, captured);
-    EXPECT_EQ(entry.keyHigh, child.hashKey[1]);
-    EXPECT_EQ(entry.move, knight);
-    EXPECT_EQ(entry.flags, 0x15 | HistorySideToMove);
-    EXPECT_EQ(child.fiftyCounter, 8);
-    EXPECT_EQ(child.lastMove, std::uint32_t(knight) | NoPiece << 16);
-    unmakeMoveWhite(knight, captured);
-
-    const Move push = makeMove(squareOf("e2"), squareOf("e4"));
-    child = node;
-    captured = makeMoveWhite(child, push);
-    recordHistoryWhite(child, push, captured);
-    EXPECT_EQ(entry.flags, 0x15 | HistorySideToMove | HistoryIrreversible);
-    EXPECT_EQ(child.fiftyCounter, 0);
-    unmakeMoveWhite(push, captured);
-
-    child = node;
-    recordHistoryBlack(child, NoMove, NoPiece);
-    EXPECT_EQ(entry.move, 0);
-    EXPECT_EQ(entry.flags, 0x15);
-    EXPECT_EQ(child.fiftyCounter, 0);
+    EXPECT_EQ(checkerOf<Black>(), 0);
 }
 
 }  // namespace

@@ -6,14 +6,17 @@
 
 #include <cstring>
 
-#include "search/make.h"
-#include "search/movegen.h"
+#include "position/attacks.h"
+#include "position/make.h"
+#include "position/movegen.h"
+#include "search/ordering.h"
 #include "search/roots.h"
 
 namespace {
 
 using namespace board;
 using namespace search;
+using namespace position;
 
 Move findWord(const Move* list, Move lowTwelve) {
     for (const Move* w = list; *w; ++w)
@@ -26,13 +29,13 @@ Move findWord(const Move* list, Move lowTwelve) {
 TEST(SearchMovegen, PromotionByCaptureMarksOnlyTheKnightWord) {
     const NodeState node = rootNode("1r2k3/P7/8/8/8/8/8/4K3 w - -");
     Move list[MoveListSize];
-    generateAllWhite(list, 0, 0, 0, node);
+    generateAll<White>(list, 0, 0, 0, node);
     int seen = 0;
     for (const Move* w = list; *w; ++w) {
         if ((*w & FromToMask) != makeMove(squareOf("a7"), squareOf("b8"))) continue;
         ++seen;
         EXPECT_EQ((*w & CaptureMark) != 0, moveSpecial(*w) == SpecialPromoteKnight) << std::hex << *w;
-        EXPECT_FALSE(isQuietWord(*w));
+        EXPECT_FALSE(isQuiet(*w));
     }
     EXPECT_EQ(seen, 4);
 }
@@ -42,12 +45,12 @@ TEST(SearchMovegen, PromotionByCaptureMarksOnlyTheKnightWord) {
 TEST(SearchMovegen, EnPassantFollowsTheParentsDoubleStep) {
     const NodeState node = rootNode("4k3/8/8/8/Pp6/8/8/4K3 b - -");
     Move list[MoveListSize];
-    generateAllBlack(list, squareOf("a2"), squareOf("a4"), 0, node);
+    generateAll<Black>(list, squareOf("a2"), squareOf("a4"), 0, node);
     const Move ep = findWord(list, makeMove(squareOf("b4"), squareOf("a3")));
     EXPECT_EQ(ep, makeMove(squareOf("b4"), squareOf("a3"), SpecialEnPassant) | CaptureMark);
-    generateAllBlack(list, squareOf("a3"), squareOf("a4"), 0, node);
+    generateAll<Black>(list, squareOf("a3"), squareOf("a4"), 0, node);
     EXPECT_EQ(findWord(list, makeMove(squareOf("b4"), squareOf("a3"))), NoMove);
-    generateCapturesBlack(list, squareOf("a2"), squareOf("a4"));
+    generateCaptures<Black>(list, squareOf("a2"), squareOf("a4"));
     EXPECT_EQ(list[0], withScore(makeMove(squareOf("b4"), squareOf("a3"), SpecialEnPassant), 6000));
     EXPECT_EQ(list[1], NoMove);
 }
@@ -56,12 +59,12 @@ TEST(SearchMovegen, CaptureGeneratorScoresByValuesAlone) {
     // The pawn on b7 can push to b8 or take the queen on a8, both promoting.
     rootNode("q3k3/1P6/8/8/8/8/8/3RK3 b - -");
     Move list[MoveListSize];
-    generateCapturesWhite(list, 0, 0);
-    EXPECT_EQ(wordScore(findWord(list, makeMove(squareOf("b7"), squareOf("b8")))), 10614u);
-    EXPECT_EQ(wordScore(findWord(list, makeMove(squareOf("b7"), squareOf("a8")))), 10614u + QueenValue);
+    generateCaptures<White>(list, 0, 0);
+    EXPECT_EQ(orderingHalf(findWord(list, makeMove(squareOf("b7"), squareOf("b8")))), 10614u);
+    EXPECT_EQ(orderingHalf(findWord(list, makeMove(squareOf("b7"), squareOf("a8")))), 10614u + QueenValue);
     EXPECT_EQ(moveSpecial(findWord(list, makeMove(squareOf("b7"), squareOf("a8")))), SpecialPromoteQueen);
     EXPECT_EQ(findWord(list, makeMove(squareOf("d1"), squareOf("d8"))), NoMove) << "quiet moves are absent";
-    generateCapturesBlack(list, 0, 0);
+    generateCaptures<Black>(list, 0, 0);
     EXPECT_EQ(findWord(list, makeMove(squareOf("a8"), squareOf("a1"))), NoMove);
     EXPECT_EQ(findWord(list, makeMove(squareOf("a8"), squareOf("b7"))),
               withScore(makeMove(squareOf("a8"), squareOf("b7")), PawnValue - QueenValue + 6000));
@@ -86,15 +89,15 @@ TEST(SearchMovegen, ScoresComeFromHistoryKillersAndCounters) {
     historyEntry(historyWhite, plain) = -40;
     historyEntry(historyWhite, capture) = 10;
     Move list[] = {plain, capture, killer, counter, NoMove};
-    scoreMovesWhite(list, parent, node);
-    EXPECT_EQ(wordScore(list[0]), unsigned(-40 + 512));
-    EXPECT_EQ(wordScore(list[1]), unsigned(10 + PawnValue / 4 + 2000 + 512));
-    EXPECT_EQ(wordScore(list[2]), 2000u + 512);
-    EXPECT_EQ(wordScore(list[3]), 200u + 512);
+    scoreMoves<White>(list, parent, node);
+    EXPECT_EQ(orderingHalf(list[0]), unsigned(-40 + 512));
+    EXPECT_EQ(orderingHalf(list[1]), unsigned(10 + PawnValue / 4 + 2000 + 512));
+    EXPECT_EQ(orderingHalf(list[2]), 2000u + 512);
+    EXPECT_EQ(orderingHalf(list[3]), 200u + 512);
     // Without a parent move neither killers nor counter count.
-    scoreMovesWhite(list, NoMove, node);
-    EXPECT_EQ(wordScore(list[2]), 512u);
-    EXPECT_EQ(wordScore(list[3]), 512u);
+    scoreMoves<White>(list, NoMove, node);
+    EXPECT_EQ(orderingHalf(list[2]), 512u);
+    EXPECT_EQ(orderingHalf(list[3]), 512u);
     clearHistory();
     clearKillers();
     clearCounters();
@@ -107,7 +110,7 @@ TEST(SearchMovegen, RootTakesTheDriversOrder) {
     rootMoves[0] = makeMove(squareOf("a1"), squareOf("a8")) | 77 << 16;
     rootMoves[1] = makeMove(squareOf("e1"), squareOf("d1"));
     Move list[SearchListRoom] = {makeMove(squareOf("e1"), squareOf("f1")), NoMove};
-    scoreMovesWhite(list, NoMove, node);
+    scoreMoves<White>(list, NoMove, node);
     EXPECT_EQ(list[0], withScore(rootMoves[0], 762));
     EXPECT_EQ(list[1], withScore(rootMoves[1], 761));
     EXPECT_EQ(list[2], NoMove);
@@ -154,36 +157,36 @@ TEST(SearchMovegen, ChecksKingSeesDirectPinnedAndDiscoveredAttacks) {
     const int e1 = squareOf("e1"), g1 = squareOf("g1");
     // The bishop that pins the knight against the king counts.
     NodeState node = rootNode("4k3/8/8/2b5/8/8/3N4/4K3 b - -");
-    EXPECT_TRUE(checksWhiteKing(makeMove(squareOf("c5"), squareOf("b4")), e1, node));
-    EXPECT_FALSE(checksWhiteKing(makeMove(squareOf("c5"), squareOf("d6")), e1, node));
+    EXPECT_TRUE(mayAttackKing<Black>(makeMove(squareOf("c5"), squareOf("b4")), e1, node));
+    EXPECT_FALSE(mayAttackKing<Black>(makeMove(squareOf("c5"), squareOf("d6")), e1, node));
     node = rootNode("4k3/8/8/8/8/8/8/2n3K1 b - -");
-    EXPECT_TRUE(checksWhiteKing(makeMove(squareOf("c1"), squareOf("e2")), g1, node));
-    EXPECT_FALSE(checksWhiteKing(makeMove(squareOf("c1"), squareOf("d3")), g1, node));
+    EXPECT_TRUE(mayAttackKing<Black>(makeMove(squareOf("c1"), squareOf("e2")), g1, node));
+    EXPECT_FALSE(mayAttackKing<Black>(makeMove(squareOf("c1"), squareOf("d3")), g1, node));
     node = rootNode("4k3/8/8/8/8/5p2/8/4K3 b - -");
-    EXPECT_TRUE(checksWhiteKing(makeMove(squareOf("f3"), squareOf("f2")), e1, node));
+    EXPECT_TRUE(mayAttackKing<Black>(makeMove(squareOf("f3"), squareOf("f2")), e1, node));
     // The knight leaves the line between its own rook and the White king.
     node = rootNode("k3r3/8/8/8/4n3/8/8/4K3 b - -");
-    EXPECT_TRUE(checksWhiteKing(makeMove(squareOf("e4"), squareOf("c5")), e1, node));
+    EXPECT_TRUE(mayAttackKing<Black>(makeMove(squareOf("e4"), squareOf("c5")), e1, node));
     node = rootNode("k7/8/8/8/4n3/8/8/4K3 b - -");
-    EXPECT_FALSE(checksWhiteKing(makeMove(squareOf("e4"), squareOf("c5")), e1, node));
+    EXPECT_FALSE(mayAttackKing<Black>(makeMove(squareOf("e4"), squareOf("c5")), e1, node));
     // The mirror: a White rook move giving check along the rank.
     node = rootNode("4k3/8/8/8/8/8/8/R3K3 w - -");
-    EXPECT_TRUE(checksBlackKing(makeMove(squareOf("a1"), squareOf("a8")), squareOf("e8"), node));
+    EXPECT_TRUE(mayAttackKing<White>(makeMove(squareOf("a1"), squareOf("a8")), squareOf("e8"), node));
 }
 
 TEST(SearchMovegen, PassedPawnIgnoresPawnsBesideOrBehind) {
     NodeState node = rootNode("4k3/8/8/8/4p3/8/3P4/K7 b - -");
-    EXPECT_EQ(isPassedBlack(squareOf("e4"), node), 0);
+    EXPECT_EQ(isPassed<Black>(squareOf("e4"), node), 0);
     node = rootNode("4k3/8/8/3P4/4p3/8/8/K7 b - -");
-    EXPECT_EQ(isPassedBlack(squareOf("e4"), node), 1);
+    EXPECT_EQ(isPassed<Black>(squareOf("e4"), node), 1);
     node = rootNode("4k3/8/8/8/3Pp3/8/8/K7 b - -");
-    EXPECT_EQ(isPassedBlack(squareOf("e4"), node), 1);
+    EXPECT_EQ(isPassed<Black>(squareOf("e4"), node), 1);
     node = rootNode("4k3/8/8/8/4p3/8/4N3/6K1 b - -");
-    EXPECT_EQ(isPassedBlack(squareOf("e4"), node), 0) << "a White piece ahead on the file";
+    EXPECT_EQ(isPassed<Black>(squareOf("e4"), node), 0) << "a White piece ahead on the file";
     node = rootNode("7k/5p2/8/4P3/8/8/8/4K3 w - -");
-    EXPECT_EQ(isPassedWhite(squareOf("e5"), node), 0);
+    EXPECT_EQ(isPassed<White>(squareOf("e5"), node), 0);
     node = rootNode("7k/8/8/4P3/5p2/8/8/4K3 w - -");
-    EXPECT_EQ(isPassedWhite(squareOf("e5"), node), 1);
+    EXPECT_EQ(isPassed<White>(squareOf("e5"), node), 1);
 }
 
 // A list never grows past its room: the generator keeps the first moves.
@@ -191,7 +194,7 @@ TEST(SearchMovegen, GeneratorRespectsTheListRoom) {
     const NodeState node = rootNode("R6R/3Q4/1Q4Q1/4Q3/2Q4Q/Q4Q2/pp1Q4/kBNN1KB1 w - -");
     Move list[SearchListRoom + 1];
     list[SearchListRoom] = 0x7fff;
-    EXPECT_EQ(generateAllWhite(list, 0, 0, 0, node), SearchListRoom - 1);
+    EXPECT_EQ(generateAll<White>(list, 0, 0, 0, node), SearchListRoom - 1);
     EXPECT_EQ(list[SearchListRoom - 1], NoMove);
     EXPECT_EQ(list[SearchListRoom], 0x7fff);
 }

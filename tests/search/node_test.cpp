@@ -16,10 +16,13 @@
 #include "board/keys.h"
 #include "board/movetext.h"
 #include "eval/setup.h"
+#include "eval/pawnhash.h"
 #include "search/hashtable.h"
-#include "search/make.h"
-#include "search/movegen.h"
-#include "search/pv.h"
+#include "position/attacks.h"
+#include "position/make.h"
+#include "position/movegen.h"
+#include "search/ordering.h"
+#include "search/lines.h"
 #include "search/search.h"
 #include "search/roots.h"
 #include "search/think.h"
@@ -28,6 +31,7 @@ namespace {
 
 using namespace board;
 using namespace search;
+using namespace position;
 
 Move moveOf(const char* from, const char* to, int special = SpecialNone) {
     return makeMove(squareOf(from), squareOf(to), special);
@@ -46,7 +50,7 @@ protected:
     // Every test starts from empty learned tables, so node counts repeat.
     void SetUp() override {
         clearHash();
-        clearPawnHash();
+        eval::clearPawnHash();
         clearHistory();
         clearKillers();
         clearCounters();
@@ -63,9 +67,9 @@ protected:
         Position& position = *game.position;
         copyToRootMoves(game.legalMoves);
         extensionPlyLimit = 2 * plies;
-        pvHeads[0]->word = pvWord(NoMove, -InfiniteScore);
+        pvHeads[0]->word = std::uint32_t(withScore(NoMove, -InfiniteScore));
         startSearch(game.sideToMove ^ 1, NoMove, RootNode, plies, -InfiniteScore, InfiniteScore, position);
-        return pvScore(pvHeads[0]->word);
+        return scoreHalf(Move(pvHeads[0]->word));
     }
 
     // The line that the root search left, as coordinate moves.
@@ -194,9 +198,9 @@ TEST_F(SearchRepetitionTest, OneEarlierOccurrenceCountsOnlyInsideTheTree) {
         // All six plies were played: the earlier occurrence is the game's.
         NodeState child = playKnights(6, 0);
         child.ply = 1;
-        makeMoveWhite(child, back);
+        makeMoveOf<White>(child, back);
         EXPECT_EQ(countRepetitions(1, child), 0);
-        unmakeMoveWhite(back, NoPiece);
+        unmakeMoveOf<White>(back, NoPiece);
     }
     {
         // Plies 3 to 6 belong to the tree: the same position is a draw, 2.
@@ -223,9 +227,9 @@ TEST_F(SearchNodeTest, DoubleStepBesideAPawnKeepsOutOfTheTable) {
         searchBlack(push, CheckLegality, 3 * OnePly, -InfiniteScore, InfiniteScore, &root);
         NodeState child = root;
         child.ply = 1;
-        makeMoveWhite(child, push);
+        makeMoveOf<White>(child, push);
         const HashEntry* entry = hashProbe(1, child);
-        unmakeMoveWhite(push, NoPiece);
+        unmakeMoveOf<White>(push, NoPiece);
         if (i == 0) EXPECT_EQ(entry, nullptr) << fens[i];
         else EXPECT_NE(entry, nullptr) << fens[i];
     }

@@ -14,15 +14,16 @@
 #include "board/movetext.h"
 #include "board/scan.h"
 #include "eval/evaluate.h"
+#include "eval/pawnhash.h"
 #include "eval/pawns.h"
 #include "eval/setup.h"
 #include "search/hashtable.h"
-#include "search/searchboard.h"
+#include "position/searchboard.h"
 
 // `position` becomes the root of a search with fiftyCounter 0.
-inline search::NodeState rootFromPosition(board::Position& position) { return search::prepareRootNode(position); }
+inline position::NodeState rootFromPosition(board::Position& position) { return eval::prepareRootNode(position); }
 
-inline search::NodeState rootNode(const char* fen) {
+inline position::NodeState rootNode(const char* fen) {
     EXPECT_EQ(board::setupFromFen(board::game, fen), 0) << fen;
     return rootFromPosition(*board::game.position);
 }
@@ -31,7 +32,7 @@ inline search::NodeState rootNode(const char* fen) {
 inline int squareOf(const char* text) { return (text[0] - 'a') + 8 * (text[1] - '1'); }
 
 // Terms that run after the pawn structure get its attack masks, and only those.
-inline eval::EvalTerms withPawnAttacks(const search::NodeState& node) {
+inline eval::EvalTerms withPawnAttacks(const position::NodeState& node) {
     eval::EvalTerms pawns{};
     eval::computePawns(node, 0, pawns);
     eval::EvalTerms terms{};
@@ -46,8 +47,8 @@ struct TracedEvaluation {
 };
 
 // From an empty pawn hash, so that the numbers don't depend on earlier tests.
-inline TracedEvaluation traceEvaluate(int blackToMove, const search::NodeState& node) {
-    search::clearPawnHash();
+inline TracedEvaluation traceEvaluate(int blackToMove, const position::NodeState& node) {
+    eval::clearPawnHash();
     TracedEvaluation traced{};
     eval::evalTrace = &traced.terms;
     traced.score = eval::evaluate(blackToMove, node);

@@ -8,12 +8,12 @@
 
 #include "board/fen.h"
 #include "board/game.h"
-#include "search/searchperft.h"
+#include "position/perft.h"
 
 namespace {
 
 using namespace board;
-using namespace search;
+using namespace position;
 
 std::uint64_t perftFromFen(const char* fen, int depth) {
     EXPECT_EQ(setupFromFen(game, fen), 0) << fen;

@@ -17,9 +17,11 @@
 #include "book/book.h"
 #include "frontend/commandloop.h"
 #include "platform/clock.h"
+#include "eval/pawnhash.h"
 #include "search/hashtable.h"
-#include "search/linebuffers.h"
-#include "search/movegen.h"
+#include "search/lines.h"
+#include "position/movegen.h"
+#include "search/ordering.h"
 #include "search/think.h"
 
 namespace {
@@ -44,7 +46,7 @@ protected:
         frontend::postThinking.store(0);
         book::useBook.store(0);
         clearHash();
-        clearPawnHash();
+        eval::clearPawnHash();
         clearHistory();
     }
     void TearDown() override { frontend::postThinking.store(0); }

@@ -1,12 +1,13 @@
 #pragma once
 // Phase classes and the phase weights. The class decides which evaluation
-// terms run; the weights give the 0..24 phase that blends the piece-square
+// terms run, and the make step keeps it up to date after captures and
+// promotions; the weights give the 0..24 phase that blends the piece-square
 // tables at the root.
 
 #include "board/types.h"
-#include "search/searchboard.h"
+#include "position/searchboard.h"
 
-namespace eval {
+namespace position {
 
 enum PhaseClass : int {
     PhaseMiddleOpen = 0,     // middle game, some castling right still open
@@ -37,9 +38,9 @@ inline int shortPhaseClass(int pieces, int pawns, bool bothLow) {
 }
 
 // The same on a node's own counts, for the make step.
-inline int shortPhaseClass(const search::NodeState& node) {
+inline int shortPhaseClass(const NodeState& node) {
     return shortPhaseClass(node.pieceCount[0] + node.pieceCount[1], node.pawnCount[0] + node.pawnCount[1],
                            node.materialTotal[0] < EndgameMaterial && node.materialTotal[1] < EndgameMaterial);
 }
 
-}  // namespace eval
+}  // namespace position

@@ -1,35 +1,19 @@
 #pragma once
-// The search's own move generators, straight from searchBoard, and the
-// ordering that a node puts on them: scores from history, killers and
-// counter moves, and the selection of the next move. Moves are pseudo-legal;
-// the child that makes one refuses it if it leaves the king attacked.
-//
-// Twins: generateAllBlack lists Black's moves, scoreMovesBlack orders them
-// with Black's tables. checksWhiteKing asks about a Black move.
+// The order in which a node tries its moves: the learned tables (history,
+// killers, counter moves), the root's order kept by the think driver, the
+// scores they put on a list, the selection of the next move and the updates
+// after a cut. Everything colour-dependent is written once on the colour.
 
 #include <cstdint>
 
 #include "board/types.h"
-#include "search/searchboard.h"
+#include "position/searchboard.h"
 
 namespace search {
 
-// Words of a node's move list, end mark included. A set-up with many
-// promoted pieces can have more pseudo-legal moves than this; the generators
-// then keep the first ones in generation order and drop the rest rather than
-// write past the list (the perft passes a larger room).
-constexpr int SearchListRoom = 122;
 // Words of the root list that the think driver keeps sorted.
 constexpr int RootListSize = 120;
 constexpr int MaxSearchPly = 60;  // rows of every by-ply table
-
-// Ordering data of a list word lives in its high half, read unsigned.
-inline unsigned wordScore(board::Move word) { return std::uint32_t(word) >> 16; }
-inline board::Move withScore(board::Move word, unsigned score) {
-    return board::Move((std::uint32_t(word) & 0xffffu) | (score << 16));
-}
-// Neither capture mark nor promotion bit.
-inline bool isQuietWord(board::Move word) { return (word & 0xc000) == 0; }
 
 // ------------------------------------------------------------ learned tables
 
@@ -52,37 +36,29 @@ void clearKillers();
 void clearHistory();
 void clearCounters();
 
-// ------------------------------------------------------------ generators
-
-int generateAllWhite(board::Move* list, int parentFrom, int parentTo, int inCheck, const NodeState& node,
-                     int room = SearchListRoom);
-int generateAllBlack(board::Move* list, int parentFrom, int parentTo, int inCheck, const NodeState& node,
-                     int room = SearchListRoom);
-int generateCapturesWhite(board::Move* list, int parentFrom, int parentTo, int room = SearchListRoom);
-int generateCapturesBlack(board::Move* list, int parentFrom, int parentTo, int room = SearchListRoom);
-
-// The twin of colour C, for code written once on the colour.
+// The tables of colour C.
 template <board::Color C>
-inline int generateAllOf(board::Move* list, int parentFrom, int parentTo, int inCheck, const NodeState& node,
-                         int room = SearchListRoom) {
-    if constexpr (C == board::White) return generateAllWhite(list, parentFrom, parentTo, inCheck, node, room);
-    else return generateAllBlack(list, parentFrom, parentTo, inCheck, node, room);
+inline std::int32_t (&historyOf())[128][64] {
+    if constexpr (C == board::White) return historyWhite;
+    else return historyBlack;
+}
+template <board::Color C>
+inline std::uint32_t (&killersOf())[MaxSearchPly] {
+    if constexpr (C == board::White) return killersWhite;
+    else return killersBlack;
+}
+template <board::Color C>
+inline std::uint16_t (&counterOf())[7][64] {
+    if constexpr (C == board::White) return counterWhite;
+    else return counterBlack;
 }
 
-// Writes the score halves from `list` to its end; at ply 0 replaces the list
-// by rootMoves in the driver's order.
-void scoreMovesWhite(board::Move* list, board::Move parentMove, const NodeState& node);
-void scoreMovesBlack(board::Move* list, board::Move parentMove, const NodeState& node);
+// ------------------------------------------------------------ scores
 
-// Non-zero if a move of the other colour, not yet made, may attack the named
-// king: directly, through a new pin, or by uncovering a slider.
-int checksWhiteKing(board::Move word, int kingSquare, const NodeState& node);
-int checksBlackKing(board::Move word, int kingSquare, const NodeState& node);
-
-// 1 if a pawn of the named colour on `square` has no enemy piece ahead and
-// no enemy pawn ahead on a neighbouring file.
-int isPassedWhite(int square, const NodeState& node);
-int isPassedBlack(int square, const NodeState& node);
+// Writes the score halves from `list` to its end with C's tables; at ply 0
+// replaces the list by rootMoves in the driver's order.
+template <board::Color C>
+void scoreMoves(board::Move* list, board::Move parentMove, const position::NodeState& node);
 
 // ------------------------------------------------------------ selection
 
@@ -93,15 +69,15 @@ int isPassedBlack(int square, const NodeState& node);
 inline board::Move selectNextMove(board::Move* list, int p, unsigned hashLow) {
     if (list[p] == board::NoMove) return board::NoMove;
     int best = p;
-    unsigned bestScore = wordScore(list[p]);
+    unsigned bestScore = board::orderingHalf(list[p]);
     for (int i = p; list[i] != board::NoMove; ++i) {
-        if ((unsigned(list[i]) & 0xffffu) == hashLow) {
+        if (unsigned(board::moveHalf(list[i])) == hashLow) {
             best = i;
             break;
         }
-        if (wordScore(list[i]) > bestScore) {
+        if (board::orderingHalf(list[i]) > bestScore) {
             best = i;
-            bestScore = wordScore(list[i]);
+            bestScore = board::orderingHalf(list[i]);
         }
     }
     const board::Move taken = list[best];
@@ -130,7 +106,7 @@ inline void updateHistory(std::int32_t (&table)[128][64], board::Move cut, const
                           int triedCount, int plies) {
     if (plies > HistoryMaxPlies) plies = HistoryMaxPlies;
     const int d2 = plies * plies;
-    std::int32_t& good = historyEntry(table, unsigned(cut) & 0xffffu);
+    std::int32_t& good = historyEntry(table, unsigned(board::moveHalf(cut)));
     good = good + d2 - (d2 * good) / 512;
     for (int i = 0; i < triedCount; ++i) {
         std::int32_t& bad = historyEntry(table, tried[i]);
@@ -141,14 +117,14 @@ inline void updateHistory(std::int32_t (&table)[128][64], board::Move cut, const
 // A quiet move that cut becomes the newest killer of its ply, unless it is
 // already the newest; the older killer falls out.
 inline void updateKiller(std::uint32_t (&killers)[MaxSearchPly], int ply, board::Move cut) {
-    const std::uint32_t low = std::uint32_t(cut) & 0xffffu;
-    if ((killers[ply] & 0xffffu) != low) killers[ply] = (killers[ply] << 16) | low;
+    const std::uint32_t low = std::uint32_t(board::moveHalf(cut));
+    if ((killers[ply] & std::uint32_t(board::LowMoveMask)) != low) killers[ply] = (killers[ply] << 16) | low;
 }
 
 // A quiet move that cut is remembered as the answer to the piece that just
 // moved to parentTo.
 inline void updateCounter(std::uint16_t (&counter)[7][64], int parentTo, board::Move cut) {
-    counter[searchBoard.pieceType[searchBoard.boardPiece[parentTo]]][parentTo] = std::uint16_t(cut & 0xffff);
+    counter[position::searchBoard.pieceType[position::searchBoard.boardPiece[parentTo]]][parentTo] = std::uint16_t(board::moveHalf(cut));
 }
 
 }  // namespace search

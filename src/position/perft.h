@@ -7,7 +7,7 @@
 
 #include "board/types.h"
 
-namespace search {
+namespace position {
 
 // Leaf count of the tree `depth` plies deep below `position`, `side` (0
 // White, 1 Black) to move. Only the board fields and castleState of the
@@ -20,4 +20,4 @@ std::uint64_t searchPerft(const board::Position& position, int side, int depth);
 int searchPerftDivide(const board::Position& position, int side, int depth, board::Move* moves,
                       std::uint64_t* counts);
 
-}  // namespace search
+}  // namespace position

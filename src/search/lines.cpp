@@ -1,14 +1,39 @@
-#include "search/linebuffers.h"
+// The principal-variation lists and the line buffers.
+
+#include "search/lines.h"
 
 #include <cstring>
 
-#include "search/pv.h"
-
 namespace search {
 
+PvNode* pvHeads[PvPlies];
 platform::CriticalSection lineLock;
 board::Move lineBuffer[LineWords];
 board::Move previousLine[LineWords];
+board::Move displayLine[LineWords];
+
+namespace {
+
+PvNode pvBlock[PvNodeCount];
+
+// The lists exist before any search; the search relies on head i having at
+// least 60 - i nodes, which the pointer swaps preserve.
+struct PvListsAtStartUp {
+    PvListsAtStartUp() { resetPvLists(); }
+} pvListsAtStartUp;
+
+}  // namespace
+
+void resetPvLists() {
+    int k = 0;
+    for (int ply = 0; ply < PvPlies; ++ply) {
+        pvHeads[ply] = &pvBlock[k];
+        for (int i = 0; i < PvPlies - ply; ++i, ++k) {
+            pvBlock[k].word = 0;
+            pvBlock[k].next = i + 1 < PvPlies - ply ? &pvBlock[k + 1] : nullptr;
+        }
+    }
+}
 
 // Walks the spliced list from the root's head; no node is copied by the
 // search, so this walk is the one place that flattens the line.

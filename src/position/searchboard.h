@@ -7,7 +7,7 @@
 
 #include "board/types.h"
 
-namespace search {
+namespace position {
 
 // The big arrays of a Position that change little: 162 32-bit words.
 struct SearchBoard {
@@ -31,7 +31,7 @@ struct NodeState {
     std::int32_t materialBalance;     // White minus Black, kings left out
     std::int32_t pstScore;            // pstWhite sum minus pstBlack sum
     std::int32_t ply;                 // distance from the root
-    std::uint32_t lastMove;           // (move & 0xffff) | captured id << 16
+    std::uint32_t lastMove;           // the move's low half | captured id << 16
     std::int32_t fiftyCounter;
     std::uint16_t materialTotal[2];   // value of pieces other than king and pawns
     std::uint32_t promotedMask;       // bit i: pawn slot i holds a queen
@@ -46,14 +46,9 @@ void buildNodeState(NodeState& state, const board::Position& position);
 // Marks the pawn slots that stand on the board as queens.
 void setPromotedMask(NodeState& state, const board::Position& position);
 
-// Makes `position` the root of a search as the evaluation sees it (keys,
-// evaluation set-up, ply 0, fiftyCounter 0) and returns its NodeState, with
-// searchBoard loaded: how evaltrace and the evaluation's checks start.
-NodeState prepareRootNode(board::Position& position);
-
 // Recomputes from searchBoard everything that make keeps incrementally:
 // counts, keys (with state's castleState), material, pstScore (from the
-// current eval tables), pawnFiles and promotedMask. Other fields are kept.
+// current tables of position/pst.h), pawnFiles and promotedMask. Other fields are kept.
 // Slow; for set-up, tests and Debug checks.
 void rebuildDerivedFields(NodeState& state);
 
@@ -62,4 +57,4 @@ void rebuildDerivedFields(NodeState& state);
 bool searchBoardIsOk();
 bool nodeStateIsOk(const NodeState& state);
 
-}  // namespace search
+}  // namespace position

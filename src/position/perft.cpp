@@ -1,11 +1,14 @@
-#include "search/searchperft.h"
+#include "position/perft.h"
 
+#include "board/side.h"
 #include "board/tables.h"
-#include "search/make.h"
-#include "search/movegen.h"
-#include "search/searchboard.h"
+#include "position/attacks.h"
+#include "position/make.h"
+#include "position/movegen.h"
+#include "position/phase.h"
+#include "position/searchboard.h"
 
-namespace search {
+namespace position {
 
 using namespace board;
 
@@ -17,8 +20,8 @@ constexpr std::int64_t Refused = -1;
 // make, refuse if the mover's king is attacked, count or recurse, unmake.
 template <Color Mover>
 std::int64_t perftChild(const NodeState& parent, Move move, int depth) {
-    constexpr Color them = SearchSide<Mover>::them;
-    if (searchBoard.boardPiece[moveTo(move)] == SearchSide<them>::kingId) return Refused;
+    constexpr Color them = Side<Mover>::them;
+    if (searchBoard.boardPiece[moveTo(move)] == Side<them>::kingId) return Refused;
     NodeState node = parent;
     const int captured = makeMoveOf<Mover>(node, move);
     std::int64_t total = 0;
@@ -28,7 +31,7 @@ std::int64_t perftChild(const NodeState& parent, Move move, int depth) {
         total = 1;
     } else {
         Move list[MoveListSize];
-        generateAllOf<them>(list, moveFrom(move), moveTo(move), checkerOf<them>(), node, MoveListSize);
+        generateAll<them>(list, moveFrom(move), moveTo(move), checkerOf<them>(), node, MoveListSize);
         for (const Move* m = list; *m != NoMove; ++m) {
             const std::int64_t n = perftChild<them>(node, *m, depth - 1);
             if (n != Refused) total += n;
@@ -67,14 +70,14 @@ bool loadRoot(const Position& position, NodeState& node) {
     root.ply = 0;
     buildNodeState(node, root);
     rebuildDerivedFields(node);
-    node.phaseClass = eval::shortPhaseClass(node);
+    node.phaseClass = shortPhaseClass(node);
     return true;
 }
 
 template <Color C>
 int divide(const NodeState& root, int depth, Move* moves, std::uint64_t* counts) {
     Move list[MoveListSize];
-    generateAllOf<C>(list, 0, 0, checkerOf<C>(), root, MoveListSize);
+    generateAll<C>(list, 0, 0, checkerOf<C>(), root, MoveListSize);
     int n = 0;
     for (const Move* m = list; *m != NoMove; ++m) {
         const std::int64_t count = perftChild<C>(root, *m, depth);
@@ -104,4 +107,4 @@ std::uint64_t searchPerft(const Position& position, int side, int depth) {
     return total;
 }
 
-}  // namespace search
+}  // namespace position

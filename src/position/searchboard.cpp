@@ -1,17 +1,18 @@
-#include "search/searchboard.h"
+#include "position/searchboard.h"
 
 #include <cassert>
 #include <cstring>
 
 #include "board/keys.h"
-#include "eval/pst.h"
-#include "eval/setup.h"
+#include "position/pst.h"
 
-namespace search {
+namespace position {
 
 using namespace board;
 
 SearchBoard searchBoard;
+std::int32_t pstWhite[6][64];
+std::int32_t pstBlack[7][64];
 
 // The driver's Position becomes the root node: arrays to the global board,
 // the small fields to the node's own record.
@@ -73,7 +74,7 @@ void rebuildDerivedFields(NodeState& state) {
         const int c = isBlackId(id);
         const int type = b.pieceType[id];
         const int value = b.pieceValue[id];
-        state.pstScore += c == White ? eval::pstWhite[type][sq] : -eval::pstBlack[type][sq];
+        state.pstScore += c == White ? pstWhite[type][sq] : -pstBlack[type][sq];
         if (type == King) continue;
         state.materialBalance += c == White ? value : -value;
         if (isPawnType(type)) {
@@ -128,15 +129,4 @@ bool nodeStateIsOk(const NodeState& state) {
     return std::memcmp(&fresh, &state, sizeof fresh) == 0;
 }
 
-NodeState prepareRootNode(Position& position) {
-    computeKeys(position);
-    eval::setupEvaluation(position);
-    position.ply = 0;
-    position.fiftyCounter = 0;
-    NodeState node;
-    buildNodeState(node, position);
-    setPromotedMask(node, position);
-    return node;
-}
-
-}  // namespace search
+}  // namespace position

@@ -1,7 +1,7 @@
-#pragma once
-// Private to search.cpp: the search node, written once on the colour to
-// move. A call makes the move that leads to its node, searches, and unmakes
-// before it returns; below one ply it continues as quiescence.
+// The search node, top to bottom: the principal-variation search of one
+// node, written once on the colour to move, its quiescence mode below one
+// ply, and the draws and repetitions it scores itself. A call makes the move
+// that leads to its node, searches, and unmakes before it returns.
 //
 // The frame holds the node's NodeState copy, its move list and the list of
 // tried moves, all trivially destructible, so an abort may longjmp out of
@@ -10,21 +10,40 @@
 #include <algorithm>
 #include <csetjmp>
 #include <cstdint>
+#include <cstdlib>
 
 #include "board/game.h"
+#include "board/side.h"
 #include "board/tables.h"
-#include "board/types.h"
 #include "eval/evaluate.h"
+#include "position/attacks.h"
+#include "position/make.h"
+#include "position/movegen.h"
 #include "search/hashtable.h"
-#include "search/make.h"
-#include "search/movegen.h"
-#include "search/nodeside.h"
-#include "search/pv.h"
-#include "search/quiescence.h"
+#include "search/lines.h"
+#include "search/ordering.h"
 #include "search/search.h"
 #include "tablebase/probe.h"
 
 namespace search {
+
+using namespace board;
+using position::NodeState;
+using position::searchBoard;
+
+std::atomic<int> abortSearch{0};
+std::jmp_buf abortJump;
+int timeCheckCounter = 0;
+int timeCheckInterval = TimeCheckInterval;
+std::atomic<std::uint32_t> nodeCount{0};
+std::atomic<std::uint32_t> moveCount{0};
+std::atomic<std::uint32_t> interiorCount{0};
+std::atomic<std::uint32_t> hashHitCount{0};
+std::atomic<std::uint32_t> quiesceCount{0};
+std::atomic<Move> currentRootMove{0};
+int extensionPlyLimit = 0;
+
+namespace {
 
 // ------------------------------------------------------------ tuning
 
@@ -66,25 +85,83 @@ inline int tablebaseScore(int value, int ply) {
     return ply + 2 * value + TbLossOffset;
 }
 
-inline bool isQueenPromotion(board::Move m) { return board::moveSpecial(m) == board::SpecialPromoteQueen; }
+inline bool isQueenPromotion(Move m) { return moveSpecial(m) == SpecialPromoteQueen; }
 
 // Relaxed increment: the statistics have one writer.
 inline void bump(std::atomic<std::uint32_t>& counter) {
     counter.store(counter.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
 }
 
+// Material lead beyond which quiescence takes a bound as its static score
+// without evaluating: four pawns.
+constexpr int LazyMaterialMargin = 1920;
+// Delta margins: a queen in general, less with a zero stand-pat score.
+constexpr int DeltaMargin = 5616;
+constexpr int DeltaMarginAtZero = 800;
+// With this little material on one side the position is an ending.
+constexpr int DeltaEndingMaterial = 2808;
+// Gain of a promotion on top of the captured piece: queen minus pawn.
+constexpr int PromotionGain = 5136;
+
+constexpr int FiftyMoveLimit = 100;     // plies without an irreversible move
+constexpr int ThreefoldScore = 1;       // two earlier occurrences
+constexpr int TreeRepetitionScore = 2;  // one earlier occurrence inside the tree
+// Scores within this bound are no mates.
+constexpr int ScoreBound = OrdinaryScoreMax - 1;
+
+
+// Rule draws of a node that a real move led to: 0 for fifty moves, 1 for a
+// third occurrence, 2 for a repetition inside the tree; -1 if none. Below
+// four reversible plies no repetition is possible.
+template <Color C>
+inline int ruleDrawScore(const NodeState& node) {
+    if (node.fiftyCounter == FiftyMoveLimit) return 0;
+    const int r = countRepetitions(C == Black, node);
+    if (r > 1) return ThreefoldScore;
+    if (r == 1) return TreeRepetitionScore;
+    return -1;
+}
+
+// ------------------------------------------------------------ small steps
+
+// NodeState::lastMove: the move's low half and the id it took (32 for none).
+inline std::uint32_t lastMoveWord(Move move, int captured) {
+    return std::uint32_t(moveHalf(move)) | std::uint32_t(captured) << 16;
+}
+
+// Writes the game-history entry of a node at historyTop + ply after a move of
+// colour C (0 for a null move), and moves lastMove and fiftyCounter on. The
+// repetition test reads these entries back.
+template <Color C>
+inline void recordHistoryOf(NodeState& node, Move move, int captured) {
+    GameHistoryEntry& entry = game.history[game.historyTop + node.ply];
+    const bool irreversible =
+        move != NoMove && (captured != NoPiece || moveSpecial(move) != SpecialNone ||
+                           searchBoard.pieceType[searchBoard.boardPiece[moveTo(move)]] == Side<C>::pawnType);
+    entry.keyHigh = node.hashKey[1];
+    entry.move = std::uint16_t(moveHalf(move));
+    entry.flags = std::uint8_t((entry.flags & HistoryCapturedMask) | (C == White ? HistorySideToMove : 0) |
+                               (irreversible ? HistoryIrreversible : 0));
+    node.lastMove = lastMoveWord(move, captured);
+    node.fiftyCounter = irreversible || move == NoMove ? 0 : node.fiftyCounter + 1;
+}
+
+// Below one ply: inlined into the node, so that both modes share one frame
+// and one move list; the node unmakes after it returns.
+template <Color C>
+[[gnu::always_inline]] inline int quiesce(NodeState& node, Move move, int depth, int alpha, int lo, int beta,
+                                          bool isPv, int inCheck, Move* list);
+
 // ------------------------------------------------------------ the node
 
 // The principal-variation search of a node with C to move, reached by the
 // other side's `move`. See search.h for the arguments.
-template <board::Color C>
-int searchOf(board::Move move, unsigned flags, int depth, int alpha, int beta, const NodeState* parent) {
-    using namespace board;
-    using S = SearchSide<C>;
-    using N = NodeSide<C>;
+template <Color C>
+int searchOf(Move move, unsigned flags, int depth, int alpha, int beta, const NodeState* parent) {
+    using S = Side<C>;
     constexpr Color them = S::them;
     constexpr int blackToMove = C == Black;
-    SearchBoard& b = searchBoard;
+    position::SearchBoard& b = searchBoard;
 
     // ---- entry
     if (++timeCheckCounter >= timeCheckInterval) {
@@ -99,15 +176,15 @@ int searchOf(board::Move move, unsigned flags, int depth, int alpha, int beta, c
     int captured = NoPiece;
     if (makes) {
         if (b.boardPiece[parentTo] == S::kingId) return IllegalScore;  // the line before was illegal
-        captured = makeMoveOf<them>(node, move);
-        if ((flags & CheckLegality) && leavesKingAttacked<them>(move)) {
-            unmakeMoveOf<them>(move, captured);
+        captured = position::makeMoveOf<them>(node, move);
+        if ((flags & CheckLegality) && position::leavesKingAttacked<them>(move)) {
+            position::unmakeMoveOf<them>(move, captured);
             return IllegalScore;
         }
     }
     // Every exit below goes through here.
     auto leave = [&](int score) {
-        if (makes) unmakeMoveOf<them>(move, captured);
+        if (makes) position::unmakeMoveOf<them>(move, captured);
         return score;
     };
 
@@ -131,7 +208,7 @@ int searchOf(board::Move move, unsigned flags, int depth, int alpha, int beta, c
     }
     int inCheck = 0;  // a null move is only tried out of check
     if (move != NoMove || ply == 0) {
-        inCheck = checkerOf<C>();
+        inCheck = position::checkerOf<C>();
         if (captured != NoPiece && isMaterialDraw(node)) return leave(0);
     }
     int lo = alpha;
@@ -142,7 +219,7 @@ int searchOf(board::Move move, unsigned flags, int depth, int alpha, int beta, c
         if (beta <= lo) return leave(lo);
     }
 
-    Move list[SearchListRoom];  // both modes use it
+    Move list[position::SearchListRoom];  // both modes use it
     if (depth < OnePly) {
         bump(quiesceCount);
         return leave(quiesce<C>(node, move, depth, alpha, lo, beta, isPv, inCheck, list));
@@ -153,8 +230,8 @@ int searchOf(board::Move move, unsigned flags, int depth, int alpha, int beta, c
     // After a double step beside an enemy pawn the key misses the en passant
     // right, so such a node neither reads nor writes the table.
     bool epAvailable = false;
-    if (move != NoMove && b.pieceType[b.boardPiece[parentTo]] == SearchSide<them>::pawnType &&
-        rankOf(parentFrom) == SearchSide<them>::doubleFromRank && rankOf(parentTo) == SearchSide<them>::doubleToRank) {
+    if (move != NoMove && b.pieceType[b.boardPiece[parentTo]] == Side<them>::pawnType &&
+        rankOf(parentFrom) == Side<them>::doubleFromRank && rankOf(parentTo) == Side<them>::doubleToRank) {
         const int file = fileOf(parentTo);
         epAvailable = (file > 0 && b.pieceType[b.boardPiece[parentTo - 1]] == S::pawnType) ||
                       (file < 7 && b.pieceType[b.boardPiece[parentTo + 1]] == S::pawnType);
@@ -176,7 +253,7 @@ int searchOf(board::Move move, unsigned flags, int depth, int alpha, int beta, c
     bool ttPv = isPv;
     bool deepUpperInPv = false;
     int eval = UnknownEval;
-    if (const HashEntry* found = probeFitting<C>(node); found != nullptr && !epAvailable && ply != 0) {
+    if (const HashEntry* found = hashProbeFitting<C>(node); found != nullptr && !epAvailable && ply != 0) {
         entry = *found;
         hasEntry = true;
         bump(hashHitCount);
@@ -249,7 +326,7 @@ int searchOf(board::Move move, unsigned flags, int depth, int alpha, int beta, c
     }
 
     // ---- moves
-    N::generateAll(list, parentFrom, parentTo, inCheck, node);
+    position::generateAll<C>(list, parentFrom, parentTo, inCheck, node);
     if (move != NoMove && hashMove == NoMove && P >= InternalReductionPlies) {
         depth -= OnePly;
         P = depth >> 8;
@@ -263,22 +340,22 @@ int searchOf(board::Move move, unsigned flags, int depth, int alpha, int beta, c
     const bool singularOk = isPv && depth >= SingularDepth;
     const int checkExtension = inCheck ? OnePly : 0;
     const unsigned inherited = flags & (NoKillers | NoNullMove);
-    const int enemyKing = b.pieceSquare[SearchSide<them>::kingId];
+    const int enemyKing = b.pieceSquare[Side<them>::kingId];
     int best = alpha;
     Move bestMove = NoMove;
     int movesDone = 0, quietDone = 0, triedCount = 0;
     int promoDone = 0;
     std::uint16_t tried[TriedRoom];
-    const unsigned hashLow = unsigned(hashMove) & 0xffffu;
+    const unsigned hashLow = unsigned(moveHalf(hashMove));
     const int scoreFrom = hashMove != NoMove ? 1 : 0;
 
     for (int p = 0;; ++p) {
         // The hash move comes first, unscored; the rest by score.
-        if (p == scoreFrom && list[p] != NoMove) N::scoreMoves(list + p, move, node);
+        if (p == scoreFrom && list[p] != NoMove) scoreMoves<C>(list + p, move, node);
         const Move m = selectNextMove(list, p, hashLow);
         if (m == NoMove) break;
-        const unsigned low = unsigned(m) & 0xffffu;
-        const bool quiet = isQuietWord(m);
+        const unsigned low = unsigned(moveHalf(m));
+        const bool quiet = isQuiet(m);
         const int to = moveTo(m);
 
         if (low == parent->excludedMove) continue;
@@ -286,9 +363,10 @@ int searchOf(board::Move move, unsigned flags, int depth, int alpha, int beta, c
 
         int r = 0;
         if (movesDone > 0) {
-            const bool safe =
-                N::checksEnemyKing(m, enemyKing, node) ||
-                (b.pieceType[b.boardPiece[moveFrom(m)]] == S::pawnType && N::inEnemyHalf(to) && N::isPassed(to, node));
+            // Checks and passed pawns in the enemy half are never pruned or reduced.
+            const bool safe = position::mayAttackKing<C>(m, enemyKing, node) ||
+                              (b.pieceType[b.boardPiece[moveFrom(m)]] == S::pawnType && S::relRank(to) >= 4 &&
+                               position::isPassed<C>(to, node));
             if (!safe) {
                 if (pruneQuiets && quietDone > lateMoveLimit[P] && quiet) continue;
                 if (P <= FutilityPlies && !isPv && !inCheck && quiet && pawnsAndPieces &&
@@ -298,7 +376,7 @@ int searchOf(board::Move move, unsigned flags, int depth, int alpha, int beta, c
                     r = reductionTable[std::min(P, 31)][std::min(movesDone, 63)] * OnePly;
                     if (ttPv && !deepUpperInPv) r -= OnePly * (1 + isPv);
                     if (isPv && best >= -ScoreBound && eval - best > OptimismMargin) r -= OnePly;
-                    const int h = int(wordScore(m)) - OrderingOffset;
+                    const int h = int(orderingHalf(m)) - OrderingOffset;
                     r -= OnePly * std::min(h / OnePly, 2);
                     if (hashMoveIsCapture && !isPv) r += OnePly;
                     if (r < 1) r = 0;
@@ -351,10 +429,10 @@ int searchOf(board::Move move, unsigned flags, int depth, int alpha, int beta, c
         if (failHigh) {
             if (parent->excludedMove == 0) {
                 if (isPv) updatePvLine(ply, m, v);
-                if (depth + e != OnePly) updateHistory(N::history(), m, tried, triedCount, P);
+                if (depth + e != OnePly) updateHistory(historyOf<C>(), m, tried, triedCount, P);
                 if (quiet) {
-                    if (move != NoMove) updateCounter(N::counter(), parentTo, m);
-                    if (!(flags & NoKillers)) updateKiller(N::killers(), ply, m);
+                    if (move != NoMove) updateCounter(counterOf<C>(), parentTo, m);
+                    if (!(flags & NoKillers)) updateKiller(killersOf<C>(), ply, m);
                 }
                 if (!epAvailable) hashStore(HashLower, v, m, depth, isPv, blackToMove, node, eval);
             }
@@ -367,7 +445,7 @@ int searchOf(board::Move move, unsigned flags, int depth, int alpha, int beta, c
             if (quiet) ++quietDone;
         } else {
             if (quiet) ++quietDone;
-            if (triedCount < TriedRoom && low != (unsigned(bestMove) & 0xffffu)) tried[triedCount++] = std::uint16_t(low);
+            if (triedCount < TriedRoom && low != unsigned(moveHalf(bestMove))) tried[triedCount++] = std::uint16_t(low);
         }
         // Once a queen promotion has a real score, underpromotions are skipped.
         if (isQueenPromotion(m) && v != 0 && v >= -ScoreBound && !inCheck) promoDone = m & FromToMask;
@@ -380,6 +458,177 @@ int searchOf(board::Move move, unsigned flags, int depth, int alpha, int beta, c
     }
     if (parent->excludedMove != 0) return leave(best);
     return leave(inCheck ? ply - MateBase : 0);  // mate or stalemate
+}
+
+// ------------------------------------------------------------ quiescence
+
+// Settles captures below the horizon: stand still on the static score, or
+// try captures and queen promotions; in check, escapes while depth allows.
+// `alpha` is the window's lower end as passed, `lo` the one raised by the
+// mate distance. Fail-soft: may return at or below lo.
+template <Color C>
+[[gnu::always_inline]] inline int quiesce(NodeState& node, Move move, int depth, int alpha, int lo, int beta,
+                                          bool isPv, int inCheck, Move* list) {
+    using S = Side<C>;
+    constexpr Color them = S::them;
+    constexpr int blackToMove = C == Black;
+    const position::SearchBoard& b = searchBoard;
+
+    // Rule draws on the first quiescence ply only.
+    if (depth >= 0 && move != NoMove && node.fiftyCounter >= 4) {
+        const int draw = ruleDrawScore<C>(node);
+        if (draw >= 0) return draw;
+    }
+
+    // The table: any depth will do here.
+    bool hasEntry = false;
+    int entryScore = 0, kind = HashEmpty, storedEval = UnknownEval;
+    if (const HashEntry* entry = hashProbeFitting<C>(node)) {
+        hasEntry = true;
+        entryScore = scoreFromHash(entry->score, node.ply);
+        kind = entryKind(*entry);
+        storedEval = entry->staticEval;
+        if (!isPv && !inCheck) {
+            if (kind == HashExact || kind == HashTablebase) return entryScore;
+            if (kind == HashLower && entryScore >= beta) return entryScore;
+            if (kind == HashUpper && entryScore <= lo) return entryScore;
+        }
+    }
+
+    const int parentFrom = moveFrom(move), parentTo = moveTo(move);
+    const bool escapes = inCheck && depth >= -OnePly;
+    int best = lo;
+    int standPat = lo;
+    int evalToStore = UnknownEval;
+    if (escapes) {
+        position::generateAll<C>(list, parentFrom, parentTo, inCheck, node);
+    } else {
+        if (!inCheck) {
+            // Stand still. A clearly decided material balance takes the
+            // window's bound without an evaluation, and stores no eval.
+            bool known = false;
+            int staticScore = 0;
+            if (storedEval == UnknownEval && !isPv) {
+                const int lead = S::sign * node.materialBalance;
+                if (beta >= -ScoreBound && node.pieceCount[C] != 0 && lead - LazyMaterialMargin > beta) {
+                    staticScore = beta;
+                    known = true;
+                } else if (lo <= ScoreBound && node.pieceCount[them] != 0 &&
+                           lead + LazyMaterialMargin < lo) {
+                    staticScore = lo;
+                    known = true;
+                }
+            }
+            if (!known) {
+                staticScore = storedEval != UnknownEval ? storedEval : eval::evaluate(blackToMove, node);
+                evalToStore = staticScore;
+            }
+            standPat = staticScore;
+            if (hasEntry) {
+                if (kind == HashExact || kind == HashTablebase) standPat = entryScore;
+                else if (kind == HashLower) standPat = std::max(entryScore, staticScore);
+                else if (kind == HashUpper) standPat = std::min(entryScore, staticScore);
+            }
+            if (standPat > lo) {
+                if (standPat >= beta) return standPat;
+                best = alpha = standPat;
+            }
+        }
+        if (position::generateCaptures<C>(list, parentFrom, parentTo) == 0) return inCheck ? lo : standPat;
+    }
+
+    int margin = InfiniteScore;
+    if (!inCheck && standPat >= -ScoreBound && standPat <= ScoreBound) {
+        const int ending = node.materialTotal[White] <= DeltaEndingMaterial || node.materialTotal[Black] <= DeltaEndingMaterial;
+        margin = standPat + ending == 0 ? DeltaMarginAtZero : DeltaMargin;
+    }
+
+    int searched = 0;
+    for (int p = 0;; ++p) {
+        const Move m = selectNextMove(list, p, 0);
+        if (m == NoMove) break;
+        if (!inCheck) {
+            // Delta pruning: not even the whole gain would reach best.
+            int gain = moveSpecial(m) == SpecialEnPassant ? PawnValue : b.pieceValue[b.boardPiece[moveTo(m)]];
+            if (isPromotion(m)) gain += PromotionGain;
+            if (gain + margin < best) continue;
+        }
+        int v = searchOf<them>(m, CheckLegality, depth - OnePly, -beta, -best, &node);
+        if (v == IllegalScore) continue;
+        v = -v;
+        if (v > best) {
+            if (isPv) updatePvLine(node.ply, m, v);
+            if (v >= beta) {
+                hashStore(HashLower, v, NoMove, 0, isPv, blackToMove, node, evalToStore);
+                return v;
+            }
+            best = v;
+        }
+        ++searched;
+    }
+
+    if (escapes && searched == 0) return node.ply - MateBase;
+    if (!inCheck) {
+        if (best == alpha)
+            hashStore(HashUpper, best, NoMove, 0, isPv, blackToMove, node, evalToStore);
+        else
+            hashStore(HashExact, best, NoMove, 0, 1, blackToMove, node, evalToStore);
+    }
+    return best;
+}
+
+}  // namespace
+
+// ------------------------------------------------------------ draws
+
+// Most material with which a side alone can't mate: one minor piece.
+constexpr int LoneMinorMaterial = BishopValue;
+
+// Without pawns, a lone minor piece can't mate a bare king, and neither can
+// bishops that run on squares of one colour, so such nodes end as draws.
+int isMaterialDraw(const NodeState& node) {
+    if (node.pawnCount[White] != 0 || node.pawnCount[Black] != 0) return 0;
+    if (node.pieceCount[Black] == 0) return node.materialTotal[White] <= LoneMinorMaterial;
+    if (node.pieceCount[White] == 0) return node.materialTotal[Black] <= LoneMinorMaterial;
+    if (node.materialTotal[White] > LoneMinorMaterial || node.materialTotal[Black] > LoneMinorMaterial) return 0;
+    // One minor piece each: drawn if they are bishops of one square colour.
+    // The f1 and c8 bishops run on light squares, the c1 and f8 bishops on dark.
+    const int* square = searchBoard.pieceSquare;
+    constexpr int whiteLight = SlotBishopF, whiteDark = SlotBishopC;
+    constexpr int blackLight = BlackIdBase + SlotBishopC, blackDark = BlackIdBase + SlotBishopF;
+    return (square[whiteLight] != NoSquare && square[blackLight] != NoSquare) ||
+           (square[whiteDark] != NoSquare && square[blackDark] != NoSquare);
+}
+
+// The node's entry is at historyTop + ply; the same side was to move two,
+// four, ... plies earlier, and a position can first recur four plies back.
+// One occurrence in the played game isn't a draw yet; one inside the tree is,
+// since the side that could avoid it has chosen not to.
+int countRepetitions(int blackToMove, const NodeState& node) {
+    int i = game.historyTop + node.ply - 4;
+    if (i < 0) return 0;
+    int count = 0;
+    bool firstInside = false;
+    for (;;) {
+        const GameHistoryEntry& entry = game.history[i];
+        if (entry.keyHigh == node.hashKey[1] && ((entry.flags & HistorySideToMove) != 0) == (blackToMove != 0)) {
+            if (++count == 1) firstInside = i >= game.historyTop;
+        }
+        if (entry.move == 0 || (entry.flags & HistoryIrreversible) || i - 2 < 0) break;
+        i -= 2;
+    }
+    if (count == 1) return firstInside ? 1 : 0;
+    return count;
+}
+
+// ------------------------------------------------------------ the twins
+
+int searchWhite(Move move, unsigned flags, int depth, int alpha, int beta, const NodeState* parent) {
+    return searchOf<White>(move, flags, depth, alpha, beta, parent);
+}
+
+int searchBlack(Move move, unsigned flags, int depth, int alpha, int beta, const NodeState* parent) {
+    return searchOf<Black>(move, flags, depth, alpha, beta, parent);
 }
 
 }  // namespace search

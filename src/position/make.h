@@ -1,25 +1,22 @@
 #pragma once
-// Making and unmaking a move inside the search, the attack tests that follow
-// a make, and the history entry of a node. The board changes in place on
-// searchBoard; keys, counts and scores change in the child's own NodeState
+// Making and unmaking a move inside the search. The board changes in place
+// on searchBoard; keys, counts and scores change in the child's own NodeState
 // copy, which simply ends with the call, so unmake restores the board alone.
-//
-// Twins are named for the side that moves: makeMoveWhite makes a White move
-// (the step on entry to searchBlack).
+// Both are written once on the colour C that moves.
 
 #include <cassert>
 #include <cstdint>
 #include <cstdlib>
 
-#include "board/game.h"
 #include "board/keys.h"
+#include "board/side.h"
 #include "board/tables.h"
 #include "board/types.h"
-#include "eval/phase.h"
-#include "search/searchboard.h"
-#include "search/side.h"
+#include "position/phase.h"
+#include "position/pst.h"
+#include "position/searchboard.h"
 
-namespace search {
+namespace position {
 
 // ------------------------------------------------------------ small helpers
 
@@ -33,7 +30,7 @@ inline void xorKey(std::uint32_t key[2], int index) {
 template <board::Color C>
 inline int castleKeyRow(const NodeState& node) {
     constexpr int base = C == board::White ? board::WhiteCastleKeyBase : board::BlackCastleKeyBase;
-    using S = SearchSide<C>;
+    using S = board::Side<C>;
     return base + 2 * (node.castleState[S::shortIndex] == board::CastleRight) +
            (node.castleState[S::longIndex] == board::CastleRight);
 }
@@ -67,8 +64,8 @@ inline void clearFileUnlessPawn(std::uint8_t& files, int file) {
 // captured pawn may have been its file's last.
 template <board::Color C>
 inline void updatePawnFilesAfterCapture(NodeState& node, int moverType, int capturedType, int from, int to) {
-    using S = SearchSide<C>;
-    using T = SearchSide<S::them>;
+    using S = board::Side<C>;
+    using T = board::Side<S::them>;
     if (moverType == S::pawnType) {
         node.pawnFiles[C] |= std::uint8_t(1u << board::fileOf(to));
         clearFileUnlessPawn<S::pawnType>(node.pawnFiles[C], board::fileOf(from));
@@ -81,12 +78,12 @@ inline void updatePawnFilesAfterCapture(NodeState& node, int moverType, int capt
 // capture keys its type, en passant always a pawn.
 template <board::Color C>
 inline void removeVictim(NodeState& node, int id, int c, int sq) {
-    using S = SearchSide<C>;
-    using T = SearchSide<S::them>;
+    using S = board::Side<C>;
+    using T = board::Side<S::them>;
     const int v = searchBoard.pieceValue[id];
     searchBoard.pieceSquare[id] = board::NoSquare;
     node.materialBalance += S::sign * v;
-    node.pstScore -= T::pst(c, sq);
+    node.pstScore -= pstOf<S::them>(c, sq);
     if (c == T::pawnType) {
         --node.pawnCount[S::them];
     } else {
@@ -106,8 +103,8 @@ constexpr int promotionValueSlot[5] = {0, board::SlotQueen, board::SlotRookA, bo
 template <board::Color C>
 inline int makeMoveOf(NodeState& node, board::Move move) {
     using namespace board;
-    using S = SearchSide<C>;
-    using T = SearchSide<S::them>;
+    using S = board::Side<C>;
+    using T = board::Side<S::them>;
     SearchBoard& b = searchBoard;
     const int from = moveFrom(move), to = moveTo(move);
     const int special = moveSpecial(move);
@@ -119,7 +116,7 @@ inline int makeMoveOf(NodeState& node, board::Move move) {
     int captured = b.boardPiece[to];
     b.boardPiece[to] = id;
     b.pieceSquare[id] = to;
-    node.pstScore += S::pst(t, to) - S::pst(t, from);
+    node.pstScore += pstOf<C>(t, to) - pstOf<C>(t, from);
     xorKey(node.hashKey, pieceKeyIndex(t, from, S::isBlack));
     xorKey(node.hashKey, pieceKeyIndex(t, to, S::isBlack));
     if (t == S::pawnType) {
@@ -166,7 +163,7 @@ inline int makeMoveOf(NodeState& node, board::Move move) {
             b.pieceSquare[rook] = rookTo;
             b.boardPiece[rookFrom] = NoPiece;
             b.boardPiece[rookTo] = rook;
-            node.pstScore += S::pst(Rook, rookTo) - S::pst(Rook, rookFrom);
+            node.pstScore += pstOf<C>(Rook, rookTo) - pstOf<C>(Rook, rookFrom);
             xorKey(node.hashKey, pieceKeyIndex(Rook, rookFrom, S::isBlack));
             xorKey(node.hashKey, pieceKeyIndex(Rook, rookTo, S::isBlack));
             const int oldRow = castleKeyRow<C>(node);
@@ -195,7 +192,7 @@ inline int makeMoveOf(NodeState& node, board::Move move) {
             ++node.pieceCount[C];
             node.materialBalance += S::sign * (w - b.pieceValue[id]);
             b.pieceValue[id] = w;
-            node.pstScore += S::pst(p, to) - S::pst(S::pawnType, to);
+            node.pstScore += pstOf<C>(p, to) - pstOf<C>(S::pawnType, to);
             xorKey(node.hashKey, pieceKeyIndex(S::pawnType, to, S::isBlack));
             xorKey(node.hashKey, pieceKeyIndex(p, to, S::isBlack));
             xorKey(node.pawnKey, pieceKeyIndex(S::pawnType, to, S::isBlack));
@@ -205,7 +202,7 @@ inline int makeMoveOf(NodeState& node, board::Move move) {
         }
     }
 
-    if (captured != NoPiece || isPromotion(move)) node.phaseClass = eval::shortPhaseClass(node);
+    if (captured != NoPiece || isPromotion(move)) node.phaseClass = shortPhaseClass(node);
     assert(nodeStateIsOk(node));
     return captured;
 }
@@ -216,7 +213,7 @@ inline int makeMoveOf(NodeState& node, board::Move move) {
 template <board::Color C>
 inline void unmakeMoveOf(board::Move move, int captured) {
     using namespace board;
-    using S = SearchSide<C>;
+    using S = board::Side<C>;
     SearchBoard& b = searchBoard;
     const int from = moveFrom(move), to = moveTo(move);
     const int id = b.boardPiece[to];
@@ -253,119 +250,4 @@ inline void unmakeMoveOf(board::Move move, int captured) {
     assert(searchBoardIsOk());
 }
 
-// ------------------------------------------------------------ attack tests
-
-// The first id of colour Attacker, from FirstId on, that attacks square k,
-// or 32. Works from the piece list: one table look-up per piece, a walk only
-// for a slider on a line with k.
-template <board::Color Attacker, int FirstId>
-inline int firstAttackerOf(int k) {
-    using namespace board;
-    using A = SearchSide<Attacker>;
-    const SearchBoard& b = searchBoard;
-    for (int id = FirstId; id < A::firstId + 16; ++id) {
-        const int q = b.pieceSquare[id];
-        if (q == NoSquare) continue;
-        const int s = rayStep[q][k];
-        if (s == 0) continue;
-        const int type = b.pieceType[id];
-        switch (lineKind[std::abs(s)]) {
-            case LineKnight:
-                if (type == Knight) return id;
-                break;
-            case LineOrthogonal:
-                if (type == Queen || type == Rook) {
-                    int sq = q + s;
-                    while (sq != k && b.boardPiece[sq] == NoPiece) sq += s;
-                    if (sq == k) return id;
-                } else if (type == King && q + s == k) {
-                    return id;
-                }
-                break;
-            case LineDiagonal:
-                if (type == Queen || type == Bishop) {
-                    int sq = q + s;
-                    while (sq != k && b.boardPiece[sq] == NoPiece) sq += s;
-                    if (sq == k) return id;
-                } else if (q + s == k && (type == King || (type == A::pawnType && s * A::pawnAttackSign > 0))) {
-                    return id;
-                }
-                break;
-            default:
-                break;
-        }
-    }
-    return NoPiece;
-}
-
-// Whether any piece of colour Attacker, king included, attacks square k.
-template <board::Color Attacker>
-inline bool squareAttackedBy(int k) {
-    return firstAttackerOf<Attacker, SearchSide<Attacker>::firstId>(k) != board::NoPiece;
-}
-
-// After making a move of colour C: is C's king attacked, or for a castling
-// any square of the king's way? The rook already stands on its new square,
-// so it shields nothing.
-template <board::Color C>
-inline bool leavesKingAttacked(board::Move move) {
-    using namespace board;
-    constexpr Color them = SearchSide<C>::them;
-    if (squareAttackedBy<them>(searchBoard.pieceSquare[SearchSide<C>::kingId])) return true;
-    if (isCastling(move)) {
-        const int to = moveTo(move);
-        const int passed = moveSpecial(move) == SpecialShortCastle ? to - 1 : to + 1;
-        return squareAttackedBy<them>(passed) || squareAttackedBy<them>(moveFrom(move));
-    }
-    return false;
-}
-
-// Check test for colour C to move: the first id of the other side, kings not
-// asked, that attacks C's king, or 0.
-template <board::Color C>
-inline int checkerOf() {
-    using namespace board;
-    constexpr Color them = SearchSide<C>::them;
-    const int id = firstAttackerOf<them, SearchSide<them>::firstId + 1>(searchBoard.pieceSquare[SearchSide<C>::kingId]);
-    return id == NoPiece ? 0 : id;
-}
-
-// ------------------------------------------------------------ history entry
-
-// Writes the game-history entry of a node at historyTop + ply after a move of
-// colour C (0 for a null move), and moves lastMove and fiftyCounter on. The
-// repetition test reads these entries back.
-template <board::Color C>
-inline void recordHistoryOf(NodeState& node, board::Move move, int captured) {
-    using namespace board;
-    GameHistoryEntry& entry = game.history[game.historyTop + node.ply];
-    const bool irreversible =
-        move != NoMove && (captured != NoPiece || moveSpecial(move) != SpecialNone ||
-                           searchBoard.pieceType[searchBoard.boardPiece[moveTo(move)]] == SearchSide<C>::pawnType);
-    entry.keyHigh = node.hashKey[1];
-    entry.move = std::uint16_t(move & LowMoveMask);
-    entry.flags = std::uint8_t((entry.flags & HistoryCapturedMask) | (C == White ? HistorySideToMove : 0) |
-                               (irreversible ? HistoryIrreversible : 0));
-    node.lastMove = std::uint32_t(move & LowMoveMask) | std::uint32_t(captured) << 16;
-    node.fiftyCounter = irreversible || move == NoMove ? 0 : node.fiftyCounter + 1;
-}
-
-// ------------------------------------------------------------ twin names
-// For code that isn't itself written on the colour.
-
-inline int makeMoveWhite(NodeState& node, board::Move move) { return makeMoveOf<board::White>(node, move); }
-inline int makeMoveBlack(NodeState& node, board::Move move) { return makeMoveOf<board::Black>(node, move); }
-inline void unmakeMoveWhite(board::Move move, int captured) { unmakeMoveOf<board::White>(move, captured); }
-inline void unmakeMoveBlack(board::Move move, int captured) { unmakeMoveOf<board::Black>(move, captured); }
-inline bool moveIsIllegalWhite(board::Move move) { return leavesKingAttacked<board::White>(move); }
-inline bool moveIsIllegalBlack(board::Move move) { return leavesKingAttacked<board::Black>(move); }
-inline int checkerOfWhiteKing() { return checkerOf<board::White>(); }
-inline int checkerOfBlackKing() { return checkerOf<board::Black>(); }
-inline void recordHistoryWhite(NodeState& node, board::Move move, int captured) {
-    recordHistoryOf<board::White>(node, move, captured);
-}
-inline void recordHistoryBlack(NodeState& node, board::Move move, int captured) {
-    recordHistoryOf<board::Black>(node, move, captured);
-}
-
-}  // namespace search
+}  // namespace position

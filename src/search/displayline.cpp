@@ -1,7 +1,0 @@
-#include "search/displayline.h"
-
-namespace search {
-
-board::Move displayLine[LineWords];
-
-}  // namespace search

@@ -18,7 +18,6 @@
 #include "board/movetext.h"
 #include "book/book.h"
 #include "eval/pawnhash.h"
-#include "frontend/commandloop.h"
 #include "search/hashtable.h"
 #include "search/ordering.h"
 #include "search/think.h"
@@ -96,7 +95,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "bench: no memory for the hash table\n");
         return 1;
     }
-    frontend::postThinking.store(0);
+    search::postThinking.store(0);
     book::useBook.store(0);
 
     std::uint64_t totalNodes = 0;
@@ -114,12 +113,14 @@ int main(int argc, char** argv) {
         eval::clearPawnHash();
         search::clearHistory();
 
-        int reached = depth;
+        search::ThinkRequest request;  // no time limit: only the depth ends these searches
+        request.side = board::game.sideToMove;
+        request.moves = board::game.legalMoves;
+        request.position = board::game.position;
+        request.depthLimit = depth;
         const auto start = std::chrono::steady_clock::now();
-        // No time limit: only the depth ends these searches.
-        const int score = search::think(board::game.sideToMove, board::game.legalMoves, -search::InfiniteScore,
-                                        search::NoTimeLimit, search::NoTimeLimit, &reached, 1,
-                                        *board::game.position, 0);
+        const search::ThinkResult result = search::think(request);
+        const int score = result.score, reached = result.depth;
         const double ms = millisecondsSince(start);
         const std::uint64_t nodes = search::nodeCount.load();
         totalNodes += nodes;

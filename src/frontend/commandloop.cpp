@@ -7,7 +7,7 @@
 #include "board/fen.h"
 #include "board/game.h"
 #include "board/movetext.h"
-#include "book/gamefiles.h"
+#include "frontend/gamefiles.h"
 #include "frontend/logfile.h"
 #include "frontend/thinkthread.h"
 #include "frontend/ucicommands.h"
@@ -16,13 +16,13 @@
 #include "search/hashtable.h"
 #include "eval/pawnhash.h"
 #include "search/ordering.h"
+#include "search/think.h"
 
 namespace frontend {
 
 char commandLine[CommandLineSize];
 int forceMode = 0;
 std::atomic<int> analyzeMode{0};
-std::atomic<int> postThinking{0};
 char pendingOutput[PendingOutputSize];
 const char* engineName = "Morvane 4.2";
 
@@ -144,7 +144,7 @@ void enterMove() {
         return;
     }
     stopThinking();
-    book::logMoveLine(board::game, move, 0);
+    logMoveLine(board::game, move, 0);
     const int result = board::makeGameMove(board::game, move);
     if (result != board::ResultOk) {
         board::reportResult(result, commandLine);
@@ -195,7 +195,7 @@ void removeCommand() {
 // The log marks where the analysis began with an empty move line.
 void analyzeCommand() {
     analyzeMode.store(1, std::memory_order_relaxed);
-    book::logMoveLine(board::game, board::NoMove, 0);
+    logMoveLine(board::game, board::NoMove, 0);
     startThink();
 }
 
@@ -250,8 +250,8 @@ const Command commandChain[] = {
     {"WHITE", Exact, nothing},
     {"BLACK", Exact, nothing},
     {".", Exact, [] { statusCommand(commandLine); }},
-    {"POST", Exact, [] { postThinking.store(1, std::memory_order_relaxed); }},
-    {"NOPOST", Exact, [] { postThinking.store(0, std::memory_order_relaxed); }},
+    {"POST", Exact, [] { search::postThinking.store(1, std::memory_order_relaxed); }},
+    {"NOPOST", Exact, [] { search::postThinking.store(0, std::memory_order_relaxed); }},
     {"HARD", Exact, nothing},
     {"EASY", Exact, [] { ponderEnabled.store(0, std::memory_order_relaxed); }},
     {"QUIT", Exact | StopFirst | Quits, closeLog},
@@ -260,7 +260,7 @@ const Command commandChain[] = {
     {"EDIT", Exact | Guarded, editCommand},
     {"SETBOARD", Guarded, [] { setboardCommand(commandLine); }},
     {"PRINT", Exact, [] { board::printBoard(board::game); }},
-    {"PARTIE ", Guarded, [] { book::loadGameFile(board::game, commandLine + PartieWordLength); }},
+    {"PARTIE ", Guarded, [] { loadGameFile(board::game, commandLine + PartieWordLength); }},
     {"XBOARD", 0, nothing},
     {"RESET", 0, nothing},
     {"PROTOVER 2", 0, [] { protoverCommand(commandLine); }},

@@ -15,8 +15,8 @@ extern char commandLine[CommandLineSize];
 // Set: a move entered is recorded and no think follows. Main thread only.
 extern int forceMode;
 // Read by the think thread, so atomic; relaxed order is enough for flags.
+// The post flag is search::postThinking.
 extern std::atomic<int> analyzeMode;
-extern std::atomic<int> postThinking;
 
 // A reply built by a handler and printed by flushPendingOutput. Room for
 // "pong", any command line and a line feed, so an echo is never cut.

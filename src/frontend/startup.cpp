@@ -7,7 +7,7 @@
 
 #include "board/game.h"
 #include "board/tables.h"
-#include "book/gamefiles.h"
+#include "frontend/gamefiles.h"
 #include "frontend/commandloop.h"
 #include "frontend/config.h"
 #include "frontend/logfile.h"
@@ -72,7 +72,7 @@ void badFile() {
 void runBatch() {
     tablebase::tbMaxMen = tablebase::tbInit(tablebase::tbPathList, tablebase::tbCacheBytes);
     tablebase::tablebasesOpen = 1;
-    postThinking.store(1, std::memory_order_relaxed);
+    search::postThinking.store(1, std::memory_order_relaxed);
     if (board::game.gameOver != board::GameOn) return;
     runThink(board::game, 0);
     std::fflush(stdout);
@@ -121,14 +121,14 @@ int processCommandLine(int argc, char** argv) {
             case 'f':
                 if (sizeHashTables(hashExponent) < 0) return 1;
                 tablesSized = true;
-                if (book::loadGameFile(board::game, value) < 0) {
+                if (loadGameFile(board::game, value) < 0) {
                     badFile();
                     return 1;
                 }
                 batch = true;
                 break;
             case 'p':
-                if (book::loadPositionFile(board::game, value) < 0) {
+                if (loadPositionFile(board::game, value) < 0) {
                     badFile();
                     return 1;
                 }

@@ -8,9 +8,10 @@
 
 #include "board/movetext.h"
 #include "board/scan.h"
-#include "book/gamefiles.h"
 #include "frontend/commandloop.h"
 #include "frontend/config.h"
+#include "frontend/gamefiles.h"
+#include "frontend/logfile.h"
 #include "frontend/timecontrol.h"
 #include "frontend/ucicommands.h"
 #include "platform/clock.h"
@@ -51,17 +52,13 @@ constexpr int ResignAfterMoves = 3;
 // Ponder scores outside this range aren't worth an aspiration window.
 constexpr int PonderScoreBound = 31999;
 
-constexpr std::uint32_t MoveHalf = 0xffffu;
-// From, to and special of a word: the move without capture mark or score.
-constexpr std::uint32_t MoveBits = 0x7fffu;
-
 // Written by startThink on the main thread before the thread exists and
 // read by the thread afterwards; the thread start orders the two.
-struct ThinkRequest {
+struct StartedThink {
     int uciOutput;  // uciMode as the think found it: the form of its answer
     int side;       // the side to move when it started
 };
-ThinkRequest request;
+StartedThink started;
 
 // 1 from the moment a think thread has played its move and goes on to
 // ponder, until the thread ends.
@@ -82,7 +79,7 @@ void printMove(const char* text) {
 void playAndPrint(board::Game& game, int packed) {
     const int result = board::makeGameMove(game, board::Move(packed));
     char text[8];
-    board::formatCoordinateMove(board::Move(packed) & MoveHalf, text);
+    board::formatCoordinateMove(board::moveHalf(packed), text);
     if (result != board::ResultOk) {
         printMove(text);
         board::reportResult(result, text);
@@ -132,8 +129,8 @@ void startThink() {
     if (board::game.uciMode) readGoClock(commandLine);
     search::abortSearch.store(0, std::memory_order_relaxed);
     allocateTime();
-    request.uciOutput = board::game.uciMode;
-    request.side = board::game.sideToMove;
+    started.uciOutput = board::game.uciMode;
+    started.side = board::game.sideToMove;
     thinking.store(1, std::memory_order_relaxed);
     thinksStarted.fetch_add(1, std::memory_order_relaxed);
     if (!platform::startDetachedThread(thinkThread, &thinkResult, ThinkStackBytes)) thinkThread(&thinkResult);
@@ -157,7 +154,7 @@ void stopThinking() {
 // A ponder has made its move on the game already, and leaves the game alone
 // from then on: the game's own side is the one to read.
 int sideSeenByThink() {
-    if (thinking.load(std::memory_order_acquire) && !pondering.load(std::memory_order_acquire)) return request.side;
+    if (thinking.load(std::memory_order_acquire) && !pondering.load(std::memory_order_acquire)) return started.side;
     return board::game.sideToMove;
 }
 
@@ -166,21 +163,21 @@ int sideSeenByThink() {
 void thinkThread(void* resultSlot) {
     board::Game& game = board::game;
     std::srand(unsigned(std::time(nullptr)));  // the book's choice draws from it
-    const int packed = runThink(game, request.uciOutput);
+    const int packed = runThink(game, started.uciOutput);
     static_cast<std::atomic<int>*>(resultSlot)->store(packed, std::memory_order_relaxed);
 
     // -1: the game was over, so there is no move to give.
     if (!analyzeMode.load(std::memory_order_relaxed) && packed != -1) {
-        book::logMoveLine(game, board::Move(packed), 1);
-        if (request.uciOutput) {
+        logMoveLine(game, board::Move(packed), 1);
+        if (started.uciOutput) {
             char text[8];
-            board::formatCoordinateMove(board::Move(packed) & MoveHalf, text);
+            board::formatCoordinateMove(board::moveHalf(packed), text);
             std::printf("bestmove %s\n", text);
         } else {
             playAndPrint(game, packed);
         }
         std::fflush(stdout);
-        if (!request.uciOutput && !game.gameOver) ponderAfterMove(game);
+        if (!started.uciOutput && !game.gameOver) ponderAfterMove(game);
     }
     pondering.store(0, std::memory_order_relaxed);
     thinking.store(0, std::memory_order_release);
@@ -191,11 +188,18 @@ void thinkThread(void* resultSlot) {
 int runThink(board::Game& game, int uciOutput) {
     if (game.gameOver) return -1;
     board::copyGameToPosition(game, *game.position);
-    int depth = game.depthLimit;
-    const int score = search::think(game.sideToMove, game.legalMoves, -search::InfiniteScore, game.softTimeLimit,
-                                    game.hardTimeLimit, &depth, 1, *game.position, uciOutput);
-    keepPrincipalLine(game, depth);
-    return int((std::uint32_t(score) << 16) | (game.legalMoves[0] & MoveHalf));
+    search::ThinkRequest request;
+    request.side = game.sideToMove;
+    request.moves = game.legalMoves;
+    request.position = game.position;
+    request.softLimit = game.softTimeLimit;
+    request.hardLimit = game.hardTimeLimit;
+    request.depthLimit = game.depthLimit;
+    request.uciOutput = uciOutput != 0;
+    request.logText = logText;
+    const search::ThinkResult result = search::think(request);
+    keepPrincipalLine(game, result.depth);
+    return int(board::withScore(game.legalMoves[0], result.score));
 }
 
 // Counts the engine's moves in a row under a mate score that keeps falling;
@@ -223,8 +227,8 @@ void keepPrincipalLine(board::Game& game, int depth) {
     board::Move* line = search::lineBuffer;
     const board::Move reply = line[0] != board::NoMove ? line[1] : board::NoMove;
     const board::Move answer = reply != board::NoMove ? line[2] : board::NoMove;
-    game.ponderMove = int(reply & MoveHalf);
-    game.ponderReply = int(answer & MoveHalf);
+    game.ponderMove = int(board::moveHalf(reply));
+    game.ponderReply = int(board::moveHalf(answer));
     int length = 0;
     while (length < search::LineMoves && line[length] != board::NoMove) ++length;
     const int shift = length < 2 ? length : 2;
@@ -238,37 +242,39 @@ void keepPrincipalLine(board::Game& game, int depth) {
 void ponderThink(board::Game& game) {
     if (game.gameOver || game.ponderMove == 0) return;
     const board::Move* listed = game.legalMoves;
-    while (*listed != board::NoMove && (*listed & MoveBits) != (std::uint32_t(game.ponderMove) & MoveBits)) ++listed;
+    while (*listed != board::NoMove && (*listed & board::FromToSpecialMask) != (game.ponderMove & board::FromToSpecialMask)) ++listed;
     if (*listed == board::NoMove) return;
 
     board::Position position = *game.position;
     board::Move replies[board::MoveListSize];
-    const int scan = board::scanAfterMoveOf(game.sideToMove, replies, *listed & MoveHalf, position);
+    const int scan = board::scanAfterMoveOf(game.sideToMove, replies, board::moveHalf(*listed), position);
     if (scan & board::scanNoContinuation) return;
 
-    int previousScore = -search::InfiniteScore;
-    int clearFirst = 1;
+    search::ThinkRequest request;
+    request.side = game.sideToMove ^ 1;
+    request.moves = replies;
+    request.position = &position;
+    request.depthLimit = game.depthLimit;
+    request.logText = logText;
     if (game.ponderReply != 0) {
         // The answer found last time leads the list.
         for (int i = 0; replies[i] != board::NoMove; ++i) {
-            if ((replies[i] & MoveBits) != (std::uint32_t(game.ponderReply) & MoveBits)) continue;
+            if ((replies[i] & board::FromToSpecialMask) != (game.ponderReply & board::FromToSpecialMask)) continue;
             const board::Move lead = replies[i];
             std::memmove(replies + 1, replies, std::size_t(i) * sizeof replies[0]);
             replies[0] = lead;
             break;
         }
         if (game.ponderScore >= -PonderScoreBound && game.ponderScore <= PonderScoreBound)
-            previousScore = game.ponderScore;
-        clearFirst = 0;
+            request.previousScore = game.ponderScore;
+        request.clearLine = false;
     }
-    int depth = game.depthLimit;
     const std::uint32_t start = platform::tickCount();
-    search::think(game.sideToMove ^ 1, replies, previousScore, search::NoTimeLimit, search::NoTimeLimit, &depth,
-                  clearFirst, position, 0);
-    game.ponderReply = int(replies[0] & MoveHalf);
-    game.ponderScore = int(std::int16_t(replies[0] >> 16));
+    const search::ThinkResult result = search::think(request);
+    game.ponderReply = int(board::moveHalf(replies[0]));
+    game.ponderScore = board::scoreHalf(replies[0]);
     game.ponderElapsed = int((platform::tickCount() - start) / 100);
-    game.ponderDepth = depth;
+    game.ponderDepth = result.depth;
 }
 
 }  // namespace frontend

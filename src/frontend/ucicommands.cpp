@@ -13,6 +13,7 @@
 #include "frontend/thinkthread.h"
 #include "frontend/timecontrol.h"
 #include "search/hashtable.h"
+#include "search/think.h"
 #include "eval/pawnhash.h"
 #include "search/ordering.h"
 #include "tablebase/probe.h"
@@ -123,7 +124,7 @@ void useTablebasePath(char* path) {
 // "bestmove" and prints its lines in the UCI form.
 void uciCommand(const char* line) {
     board::game.uciMode = 1;
-    postThinking.store(1, std::memory_order_relaxed);
+    search::postThinking.store(1, std::memory_order_relaxed);
     std::printf("id name %s\nid author Aurelien Moraud\n", engineName);
     std::printf("option name NalimovPath type string default\n");
     std::printf("option name NalimovCache type spin default 4 min 1 max 16\n");

@@ -6,12 +6,13 @@
 
 #include "board/movetext.h"
 #include "board/notation.h"
-#include "frontend/commandloop.h"
 #include "platform/clock.h"
 #include "search/lines.h"
 #include "search/think.h"
 
 namespace search {
+
+std::atomic<int> postThinking{0};
 
 namespace {
 
@@ -46,7 +47,7 @@ void uciScoreText(int score, char* text) {
 // the output never sees half a line from the think thread.
 void printSearchInfo(const board::Move* moves, int score, std::uint32_t elapsedMs, int iteration, int side,
                      const board::Position& position, int uciOutput, int mark) {
-    if (!frontend::postThinking.load(std::memory_order_relaxed)) return;
+    if (!postThinking.load(std::memory_order_relaxed)) return;
     if (elapsedMs == 0) elapsedMs = 1;
     const std::uint32_t nodes = nodeCount.load(std::memory_order_relaxed);
     char line[board::VariationTextSize + 96];

@@ -13,7 +13,6 @@
 #include "board/notation.h"
 #include "book/book.h"
 #include "eval/setup.h"
-#include "frontend/logfile.h"
 #include "platform/clock.h"
 #include "search/hashtable.h"
 #include "search/lines.h"
@@ -54,7 +53,8 @@ struct IterationState {
     int side;
     board::Move* moves;
     board::Position* position;
-    int uciOutput;
+    bool uciOutput;
+    void (*logText)(const char* text);
     int phaseClass;
     int number;          // the iteration number
     int previousScore;   // the result of the iteration before
@@ -231,14 +231,15 @@ int startSearch(int justMoved, board::Move move, unsigned flags, int iteration, 
     if (std::memcmp(&saved, &position::searchBoard, sizeof saved) != 0) {
         char text[32];
         std::snprintf(text, sizeof text, "MO code %d", BoardMismatchCode);
-        frontend::logText(text);
+        if (iter.logText != nullptr) iter.logText(text);
         assert(false && "startSearch: searchBoard not restored after a search");
     }
     return result;
 }
 
-int think(int side, board::Move* moves, int previousScore, int softLimitTenths, int hardLimitTenths, int* depth,
-          int clearFirst, board::Position& position, int uciOutput) {
+ThinkResult think(const ThinkRequest& request) {
+    board::Move* moves = request.moves;
+    board::Position& position = *request.position;
     bestScore = NoScoreYet;
     nodeCount.store(0, std::memory_order_relaxed);
     moveCount.store(0, std::memory_order_relaxed);
@@ -249,14 +250,14 @@ int think(int side, board::Move* moves, int previousScore, int softLimitTenths, 
     std::fill(std::begin(rootMoves), std::end(rootMoves), board::NoMove);
     failingHigh = 0;
     timeCheckCounter = 0;
-    if (clearFirst) clearLine();
+    if (request.clearLine) clearLine();
     board::computeKeys(position);
 
     if (book::useBook.load(std::memory_order_relaxed) && book::bookProbe(moves))
-        return answerFromBook(side, moves, position, uciOutput);
+        return {answerFromBook(request.side, moves, position, request.uciOutput), request.depthLimit};
 
     iter.phaseClass = eval::setupEvaluation(position);
-    startClock(softLimitTenths, hardLimitTenths);
+    startClock(request.softLimit, request.hardLimit);
     nextGeneration();
     // Killers and counters describe the last think's tree; history is kept,
     // so one think inherits what the last one learned.
@@ -266,25 +267,23 @@ int think(int side, board::Move* moves, int previousScore, int softLimitTenths, 
     currentRootMove.store(0, std::memory_order_relaxed);
     saveLine();
 
-    iter.side = side;
+    iter.side = request.side;
     iter.moves = moves;
     iter.position = &position;
-    iter.uciOutput = uciOutput;
+    iter.uciOutput = request.uciOutput;
+    iter.logText = request.logText;
     iter.number = FirstIteration;
-    iter.previousScore = previousScore;
+    iter.previousScore = request.previousScore;
     const int total = rootListLength(moves);
     // No move, no think: without this an iteration would never find a
     // result and the loop would not end. The callers don't think at a
     // finished game, so this only guards bad input.
-    if (total == 0) {
-        *depth = FirstIteration - 1;
-        return bestScore;
-    }
+    if (total == 0) return {bestScore, FirstIteration - 1};
     if (total == 1) {
         iterationLimit = SingleMoveIterationLimit;  // the only move, one iteration for its score
     } else {
         iterationLimit = FullIterationLimit;
-        orderRootMoves(side, moves, position);
+        orderRootMoves(request.side, moves, position);
     }
     copyToRootMoves(moves);
 
@@ -300,12 +299,11 @@ int think(int side, board::Move* moves, int previousScore, int softLimitTenths, 
         sortRootMoves(moves);
         copyToRootMoves(moves);
         if (softStopDue(iter.score - iter.previousScore)) abortSearch.store(1, std::memory_order_relaxed);
-        if (*depth <= iter.number) abortSearch.store(1, std::memory_order_relaxed);
+        if (request.depthLimit <= iter.number) abortSearch.store(1, std::memory_order_relaxed);
         iter.previousScore = iter.score;
         ++iter.number;
     }
-    *depth = iter.number - 1;
-    return bestScore;
+    return {bestScore, iter.number - 1};
 }
 
 }  // namespace search

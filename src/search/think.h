@@ -8,6 +8,7 @@
 #include <atomic>
 #include <cstdint>
 
+#include "board/game.h"
 #include "board/types.h"
 #include "search/search.h"
 
@@ -44,13 +45,32 @@ extern int iterationLimit;            // iterations run while below this
 
 // ------------------------------------------------------------ the driver
 
-// Thinks for `side` (0 White, 1 Black) on the root list `moves` (at most
-// RootListSize - 1 words, ended by 0) of `position`. `*depth` holds the
-// iteration at which to stop and receives the last iteration with a result
-// (1 if none had one). Returns bestScore, NoScoreYet if nothing finished,
-// or BookMoveScore for a book move. The best move stands first in `moves`.
-int think(int side, board::Move* moves, int previousScore, int softLimitTenths, int hardLimitTenths, int* depth,
-          int clearFirst, board::Position& position, int uciOutput);
+// 1 while the thinking lines are printed. Set by the protocols' "post" and
+// "nopost" and read at every line, so that a change reaches a running think.
+extern std::atomic<int> postThinking;
+
+// What one think is asked to do.
+struct ThinkRequest {
+    int side = board::White;             // the side to move, 0 White, 1 Black
+    board::Move* moves = nullptr;        // root list, at most RootListSize - 1 words, ended by 0
+    board::Position* position = nullptr; // the root position
+    int previousScore = -InfiniteScore;  // centres the first aspiration window
+    int softLimit = NoTimeLimit;         // tenths of a second
+    int hardLimit = NoTimeLimit;
+    int depthLimit = board::DefaultDepthLimit;  // the iteration at which to stop
+    bool clearLine = true;               // forget the last think's line first
+    bool uciOutput = false;              // the form of the thinking lines
+    // Where a fault found by the search's self-checks is noted; null for none.
+    void (*logText)(const char* text) = nullptr;
+};
+
+struct ThinkResult {
+    int score;  // bestScore, NoScoreYet if nothing finished, or BookMoveScore
+    int depth;  // the last iteration with a result, 1 if none had one
+};
+
+// One think. The best move stands first in the request's list afterwards.
+ThinkResult think(const ThinkRequest& request);
 
 // Clears abortSearch and softTimeUp, sets the limits, starts the clock.
 void startClock(int softTenths, int hardTenths);

@@ -21,6 +21,7 @@
 #include "board/game.h"
 #include "book/book.h"
 #include "frontend/commandloop.h"
+#include "search/think.h"
 #include "frontend/engine.h"
 #include "frontend/thinkthread.h"
 #include "frontend/timecontrol.h"
@@ -133,7 +134,7 @@ void restoreFrontEnd() {
     dispatch("force");
     frontend::ponderEnabled.store(0);
     board::game.uciMode = 0;
-    frontend::postThinking.store(0);
+    search::postThinking.store(0);
     frontend::analyzeMode.store(0);
     dispatch("new");
     frontend::forceMode = 0;

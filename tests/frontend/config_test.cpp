@@ -13,7 +13,7 @@
 #include "board/game.h"
 #include "board/movetext.h"
 #include "book/book.h"
-#include "book/gamefiles.h"
+#include "frontend/gamefiles.h"
 #include "frontend/config.h"
 #include "frontend/thinkthread.h"
 #include "frontend/timecontrol.h"
@@ -164,7 +164,7 @@ TEST(UciOptions, PathQuotesAreStripped) {
 TEST(LogText, ScoresReadInPawnsMatesAndInfinity) {
     const auto text = [](int score) {
         char buffer[32];
-        book::logScoreText(score, buffer, sizeof buffer);
+        frontend::logScoreText(score, buffer, sizeof buffer);
         return std::string(buffer);
     };
     EXPECT_EQ(text(32761), " ");  // a book move has no score

@@ -31,7 +31,7 @@ using namespace search;
 constexpr const char* StartFen = "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1";
 constexpr const char* QueensEverywhere = "qqqqkqqq/8/8/8/8/8/8/QQQQKQQQ w - - 0 1";
 
-struct ThinkResult {
+struct Outcome {
     int score;
     int depth;  // the last iteration with a result
     std::string move;
@@ -43,23 +43,31 @@ protected:
     static void SetUpTestSuite() { setHashSize(std::int64_t(8) << 20); }
 
     void SetUp() override {
-        frontend::postThinking.store(0);
+        search::postThinking.store(0);
         book::useBook.store(0);
         clearHash();
         eval::clearPawnHash();
         clearHistory();
     }
-    void TearDown() override { frontend::postThinking.store(0); }
+    void TearDown() override { search::postThinking.store(0); }
 
     // One think on the position of `fen`, as the think thread runs it.
-    static ThinkResult run(const char* fen, int depth, int soft = NoTimeLimit, int hard = NoTimeLimit,
+    static Outcome run(const char* fen, int depth, int soft = NoTimeLimit, int hard = NoTimeLimit,
                            int uci = 0) {
         EXPECT_EQ(board::setupFromFen(board::game, fen), 0) << fen;
-        ThinkResult r{};
-        r.depth = depth;
+        ThinkRequest request;
+        request.side = board::game.sideToMove;
+        request.moves = board::game.legalMoves;
+        request.position = board::game.position;
+        request.softLimit = soft;
+        request.hardLimit = hard;
+        request.depthLimit = depth;
+        request.uciOutput = uci != 0;
         const auto start = std::chrono::steady_clock::now();
-        r.score = think(board::game.sideToMove, board::game.legalMoves, -InfiniteScore, soft, hard, &r.depth, 1,
-                        *board::game.position, uci);
+        const search::ThinkResult result = think(request);
+        Outcome r{};
+        r.score = result.score;
+        r.depth = result.depth;
         r.ms = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start)
                    .count();
         char text[8];
@@ -73,13 +81,13 @@ protected:
 // limit alone. The slack allows a slow (Debug) build a late time check.
 TEST_F(ThinkTest, TimeLimitsEndTheThink) {
     constexpr long long slackMs = 2500;
-    const ThinkResult hard = run(StartFen, 999, 10, 10);
+    const Outcome hard = run(StartFen, 999, 10, 10);
     EXPECT_GE(hard.ms, 950);
     EXPECT_LE(hard.ms, 1000 + slackMs);
     EXPECT_GE(hard.depth, 2);
     EXPECT_NE(hard.score, NoScoreYet);
 
-    const ThinkResult soft = run(StartFen, 999, 10, NoTimeLimit);
+    const Outcome soft = run(StartFen, 999, 10, NoTimeLimit);
     EXPECT_GE(soft.ms, 950);
     EXPECT_LE(soft.ms, 1000 + slackMs);
     EXPECT_TRUE(abortSearch.load()) << "the stop flag stays set after the think";
@@ -110,7 +118,7 @@ TEST_F(ThinkTest, StopBeforeAnyResultReturnsNoScore) {
     std::thread stopper([&] {
         while (!done.load()) abortSearch.store(1);
     });
-    const ThinkResult r = run(QueensEverywhere, 999, 0, 0);
+    const Outcome r = run(QueensEverywhere, 999, 0, 0);
     done.store(1);
     stopper.join();
     EXPECT_EQ(r.score, NoScoreYet);
@@ -127,7 +135,7 @@ TEST_F(ThinkTest, DepthLimitCountsIterationsFromTwo) {
     // Iteration 2 is the first, whatever was asked.
     EXPECT_EQ(run(StartFen, 1).depth, 2);
     // A lone legal move is searched for one iteration only.
-    const ThinkResult forced = run("k7/8/8/8/8/8/6r1/7K w - - 0 1", 9);
+    const Outcome forced = run("k7/8/8/8/8/8/6r1/7K w - - 0 1", 9);
     EXPECT_EQ(forced.depth, 2);
     EXPECT_EQ(forced.move, "h1g2");
 }
@@ -135,11 +143,11 @@ TEST_F(ThinkTest, DepthLimitCountsIterationsFromTwo) {
 // Mated at ply p scores p - 32700, so mate in n moves is 32701 - 2n; the
 // node tests cover the distances, this the driver's handing them on.
 TEST_F(ThinkTest, FindsMatesWithExactDistance) {
-    const ThinkResult one = run("6k1/5ppp/8/8/8/8/8/R5K1 w - - 0 1", 4);
+    const Outcome one = run("6k1/5ppp/8/8/8/8/8/R5K1 w - - 0 1", 4);
     EXPECT_EQ(one.score, 32699);
     EXPECT_EQ(one.move, "a1a8");
     // The mated side sees the same distance from its end.
-    const ThinkResult mated = run("7k/R7/8/8/8/8/8/1R4K1 b - - 0 1", 4);
+    const Outcome mated = run("7k/R7/8/8/8/8/8/1R4K1 b - - 0 1", 4);
     EXPECT_EQ(mated.score, -32698);
 }
 
@@ -165,7 +173,7 @@ TEST_F(ThinkTest, ThinkingLineFormats) {
         displayLine[2] = board::NoMove;
     }
     nodeCount.store(1234);
-    frontend::postThinking.store(1);
+    search::postThinking.store(1);
     const board::Position& position = *board::game.position;
     const board::Move* moves = board::game.legalMoves;
 
@@ -182,7 +190,7 @@ TEST_F(ThinkTest, ThinkingLineFormats) {
               "3   0     0    1234\te4 ?e5 \n"
               "12 100002     1    1234\te4 e5 \n");
 
-    frontend::postThinking.store(0);
+    search::postThinking.store(0);
     testing::internal::CaptureStdout();
     printSearchInfo(moves, 481, 2345, 5, 0, position, 1, board::MarkNone);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
@@ -204,7 +212,7 @@ TEST_F(ThinkTest, Stat01Line) {
 
 // A real think prints one line per iteration in the chosen form.
 TEST_F(ThinkTest, ThinkPrintsOneLinePerIteration) {
-    frontend::postThinking.store(1);
+    search::postThinking.store(1);
     testing::internal::CaptureStdout();
     run("6k1/5ppp/8/8/8/8/8/R5K1 w - - 0 1", 3, NoTimeLimit, NoTimeLimit, 1);
     const std::string uci = testing::internal::GetCapturedStdout();

@@ -1,4 +1,4 @@
-#include "book/gamefiles.h"
+#include "frontend/gamefiles.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -11,7 +11,7 @@
 #include "search/search.h"
 #include "search/think.h"
 
-namespace book {
+namespace frontend {
 
 namespace {
 
@@ -64,7 +64,7 @@ void logScoreText(int score, char* text, std::size_t capacity) {
 // The move is written in short algebraic form from the list of the position
 // it is played in, so this runs before the move is made.
 void logMoveLine(board::Game& game, board::Move move, int withComment) {
-    std::FILE* log = frontend::logFile;
+    std::FILE* log = logFile;
     if (log == nullptr) return;
     move &= board::LowMoveMask;
     char san[board::SanMoveSize + 1] = "";
@@ -86,4 +86,4 @@ int loadGameFile(board::Game& game, const char* path) { return -10; }
 // Position lists aren't read yet: every path reads as one that can't be opened.
 int loadPositionFile(board::Game& game, const char* path) { return -1; }
 
-}  // namespace book
+}  // namespace frontend

@@ -5,7 +5,7 @@
 
 #include "board/game.h"
 
-namespace book {
+namespace frontend {
 
 // Writes the log's line for `move` (low 16 bits), before it is made; with
 // `withComment` the search's score and line follow. Nothing without a log.
@@ -24,4 +24,4 @@ int loadGameFile(board::Game& game, const char* path);
 // can't be read, -2 if a piece can't be placed or a king is missing.
 int loadPositionFile(board::Game& game, const char* path);
 
-}  // namespace book
+}  // namespace frontend

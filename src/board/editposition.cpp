@@ -4,6 +4,7 @@
 
 #include "board/fen.h"
 #include "board/game.h"
+#include "platform/text.h"
 
 namespace board {
 
@@ -24,8 +25,7 @@ bool readEditLine(std::FILE* input, char* line) {
         if (length < EditLineSize - 1) line[length++] = char(c);
     line[length] = '\0';
     line[std::strcspn(line, "\r")] = '\0';
-    for (char* p = line; *p; ++p)
-        if (*p >= 'a' && *p <= 'z') *p = char(*p - 'a' + 'A');
+    platform::upperCaseInPlace(line);
     return true;
 }
 

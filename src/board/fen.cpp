@@ -6,24 +6,14 @@
 
 #include "board/scan.h"
 #include "board/tables.h"
+#include "platform/text.h"
 
 namespace board {
 
 namespace {
 
-// Plain ASCII tests: a FEN from outside may hold any byte, and the locale
-// must not make one of them a letter.
-bool isBlankOrTab(char c) { return c == ' ' || c == '\t'; }
+// The board field ends at any white space, line ends included.
 bool isWhiteSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-bool isUpperLetter(char c) { return c >= 'A' && c <= 'Z'; }
-bool isLowerLetter(char c) { return c >= 'a' && c <= 'z'; }
-
-// FEN fields are parted by blanks and tabs only.
-const char* skipBlanks(const char* p) {
-    while (isBlankOrTab(*p)) ++p;
-    return p;
-}
 
 // Every id off the board; pieceValue is left to the caller, since the edit
 // dialogue keeps it.
@@ -283,7 +273,7 @@ int finishSetup(Game& g, int side) {
 // only formed from a file and rank inside the board, so no text can lead
 // out of bounds.
 int setupFromFen(Game& g, const char* text) {
-    const char* p = skipBlanks(text);
+    const char* p = platform::skipBlanks(text);
     clearBoard(g);
     for (int id = 0; id < PieceIdCount; ++id) g.pieceValue[id] = 0;
 
@@ -291,11 +281,11 @@ int setupFromFen(Game& g, const char* text) {
     int rank = 7, file = 0;
     while (rank >= 0 && *p != '\0' && !isWhiteSpace(*p)) {
         const char c = *p;
-        if (isDigit(c)) {
+        if (platform::isAsciiDigit(c)) {
             file += c - '0';
-        } else if (isUpperLetter(c) || isLowerLetter(c)) {
-            const Color colour = isLowerLetter(c) ? Black : White;
-            const int type = fenLetterType(isLowerLetter(c) ? char(c - 'a' + 'A') : c);
+        } else if (platform::isAsciiUpper(c) || platform::isAsciiLower(c)) {
+            const Color colour = platform::isAsciiLower(c) ? Black : White;
+            const int type = fenLetterType(platform::isAsciiLower(c) ? char(c - 'a' + 'A') : c);
             const int square = makeSquare(file, rank);
             if (type == WhitePawn)
                 pawnAt[colour][square] = true;
@@ -322,10 +312,10 @@ int setupFromFen(Game& g, const char* text) {
     for (int square = 63; square >= 0; --square)
         if (pawnAt[Black][square] && !placeFenPawn(g, Black, square)) return refuseSetup(g, SetupNoSlot);
 
-    p = skipBlanks(p);
+    p = platform::skipBlanks(p);
     const int side = (*p == 'w' || *p == 'W') ? White : Black;
     if (*p != '\0') ++p;
-    p = skipBlanks(p);
+    p = platform::skipBlanks(p);
 
     deriveCastleState(g);
     const struct {

@@ -165,7 +165,7 @@ int makeGameMove(Game& g, Move move) {
         if (!(move & PromotionBit)) return ResultNeedsPromotion;
         found = nullptr;
         for (const Move* m = g.legalMoves; *m; ++m)
-            if ((*m & 0x7fff) == (move & 0x7fff)) {
+            if ((*m & FromToSpecialMask) == (move & FromToSpecialMask)) {
                 found = m;
                 break;
             }

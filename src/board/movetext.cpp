@@ -1,9 +1,9 @@
 #include "board/movetext.h"
 
-#include <cctype>
 #include <cstring>
 
 #include "board/tables.h"
+#include "platform/text.h"
 
 namespace board {
 
@@ -35,7 +35,7 @@ int promotionSpecial(char letter) {
 }  // namespace
 
 Move parseCoordinateMove(char* text, int side) {
-    for (char* p = text; *p; ++p) *p = char(std::toupper(static_cast<unsigned char>(*p)));
+    platform::upperCaseInPlace(text);
 
     if (text[0] == '0' || text[0] == 'O') {
         const std::size_t length = std::strlen(text);
@@ -57,7 +57,7 @@ Move parseCoordinateMove(char* text, int side) {
     char letter;
     if (text[4] == '=')
         letter = text[5];
-    else if (!std::isalpha(static_cast<unsigned char>(text[4])))
+    else if (!platform::isAsciiLetter(text[4]))
         return plain;
     else
         letter = text[4];

@@ -17,6 +17,7 @@
 #include "eval/pawnhash.h"
 #include "search/ordering.h"
 #include "search/think.h"
+#include "platform/text.h"
 
 namespace frontend {
 
@@ -34,15 +35,6 @@ namespace {
 // the loop for ever.
 constexpr int MaxReadFailures = 100;
 constexpr int ReadRetryPauseMs = 10;
-
-char asciiUpper(char c) { return (c >= 'a' && c <= 'z') ? char(c - 'a' + 'A') : c; }
-
-// Case-free prefix test over ASCII only, whatever the locale.
-bool opensWithNoCase(const char* line, const char* word) {
-    for (; *word; ++line, ++word)
-        if (asciiUpper(*line) != asciiUpper(*word)) return false;
-    return true;
-}
 
 bool opensWith(const char* line, const char* word) { return std::strncmp(line, word, std::strlen(word)) == 0; }
 
@@ -114,12 +106,12 @@ void normaliseCommand(char* line) {
         {"SETOPTION", "setoption"},
     };
     for (const CaseRule& rule : rules) {
-        if (opensWithNoCase(line, rule.word)) {
+        if (platform::opensWithNoCase(line, rule.word)) {
             std::memcpy(line, rule.normalForm, std::strlen(rule.normalForm));
             return;
         }
     }
-    for (char* p = line; *p; ++p) *p = asciiUpper(*p);
+    platform::upperCaseInPlace(line);
 }
 
 // Flushed at once, so that a reply built during a think isn't held back.
@@ -282,7 +274,7 @@ const Command commandChain[] = {
 // Exact, prefix or case-free prefix, as the entry's flags say.
 bool fits(const Command& command, const char* line) {
     if (command.flags & Exact) return std::strcmp(line, command.word) == 0;
-    if (command.flags & AnyCase) return opensWithNoCase(line, command.word);
+    if (command.flags & AnyCase) return platform::opensWithNoCase(line, command.word);
     return opensWith(line, command.word);
 }
 

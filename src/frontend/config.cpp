@@ -7,7 +7,8 @@
 #include "book/book.h"
 #include "frontend/thinkthread.h"
 #include "platform/path.h"
-#include "tablebase/registry.h"
+#include "search/hashtable.h"
+#include "platform/text.h"
 
 namespace frontend {
 
@@ -18,21 +19,6 @@ namespace {
 
 // Room for any path the system reports, well beyond a short install path.
 constexpr int ProgramDirectorySize = 4096;
-constexpr std::int64_t Megabyte = 1048576;
-
-char asciiUpper(char c) { return (c >= 'a' && c <= 'z') ? char(c - 'a' + 'A') : c; }
-
-bool opensWithNoCase(const char* text, const char* word) {
-    for (; *word; ++text, ++word)
-        if (asciiUpper(*text) != asciiUpper(*word)) return false;
-    return true;
-}
-
-const char* skipBlanks(const char* text) {
-    while (*text == ' ' || *text == '\t') ++text;
-    return text;
-}
-
 // One line of the file, its first ConfigLineLength characters kept and the
 // rest dropped, so that the tail of an overlong line is never read as a
 // setting of its own. The line feed and a carriage return before it are cut.
@@ -52,7 +38,7 @@ int readConfigLine(std::FILE* file, char* line) {
 // TABLEBASE: the text joins the list behind a ';' only if it opens with a
 // character above blank, and a text that wouldn't fit leaves the line unread.
 void addTablebasePath(char* pathList, const char* value) {
-    const char* text = skipBlanks(value);
+    const char* text = platform::skipBlanks(value);
     const int listLength = int(std::strlen(pathList));
     const int textLength = int(std::strlen(text));
     if (textLength >= tablebase::TbPathListLimit - listLength) return;
@@ -62,7 +48,7 @@ void addTablebasePath(char* pathList, const char* value) {
 
 // A megabyte figure in bytes, kept inside the i32 that holds it.
 std::int32_t megabytesToBytes(int megabytes) {
-    const std::int64_t bytes = std::int64_t(megabytes) * Megabyte;
+    const std::int64_t bytes = std::int64_t(megabytes) * search::Megabyte;
     if (bytes > INT32_MAX) return INT32_MAX;
     if (bytes < INT32_MIN) return INT32_MIN;
     return std::int32_t(bytes);
@@ -84,27 +70,23 @@ constexpr KeyName keyNames[] = {
 };
 
 // One line: a comment, an unknown key or a line without '=' does nothing.
-void applyConfigLine(const char* line, int& hashExponent, char* pathList, std::int32_t& cacheBytes) {
-    const char* text = skipBlanks(line);
+void applyConfigLine(const char* line, Settings& settings) {
+    const char* text = platform::skipBlanks(line);
     if (*text == ';') return;
     const char* equals = std::strchr(text, '=');
     if (equals == nullptr) return;
     const char* value = equals + 1;
     for (const KeyName& entry : keyNames) {
-        if (!opensWithNoCase(text, entry.name)) continue;
+        if (!platform::opensWithNoCase(text, entry.name)) continue;
         switch (entry.key) {
-            case Key::HashTable: {
-                const int n = readSettingInteger(value);
-                if (n >= 1) hashExponent = n - 1;
-                break;
-            }
-            case Key::Tablebase: addTablebasePath(pathList, value); break;
+            case Key::HashTable: setHashTableSize(settings, value); break;
+            case Key::Tablebase: addTablebasePath(settings.tbPathList, value); break;
             case Key::NullEval: break;  // accepted for old files; it tunes nothing here
-            case Key::TbCacheSize: cacheBytes = megabytesToBytes(readSettingInteger(value)); break;
-            case Key::UseBook: book::useBook.store(readSettingInteger(value) != 0, std::memory_order_relaxed); break;
-            case Key::Resign: resignEnabled.store(readSettingInteger(value) != 0, std::memory_order_relaxed); break;
-            case Key::LogFile: logEnabled = readSettingInteger(value) != 0; break;
-            case Key::Ponder: ponderEnabled.store(readSettingInteger(value) != 0, std::memory_order_relaxed); break;
+            case Key::TbCacheSize: settings.tbCacheBytes = megabytesToBytes(readSettingInteger(value)); break;
+            case Key::UseBook: settings.useBook = readSettingInteger(value) != 0; break;
+            case Key::Resign: settings.resign = readSettingInteger(value) != 0; break;
+            case Key::LogFile: settings.logFile = readSettingInteger(value) != 0; break;
+            case Key::Ponder: settings.ponder = readSettingInteger(value) != 0; break;
         }
         return;
     }
@@ -125,7 +107,7 @@ const char* programDirectory() {
 }
 
 int readSettingInteger(const char* text) {
-    text = skipBlanks(text);
+    text = platform::skipBlanks(text);
     const bool negative = *text == '-';
     if (*text == '-' || *text == '+') ++text;
     long long value = 0;
@@ -139,20 +121,32 @@ int readSettingInteger(const char* text) {
     return negative ? -int(value) : int(value);
 }
 
-int readConfigurationFile(const char* fileName, int& hashExponent, char* pathList, std::int32_t& cacheBytes) {
+void setHashTableSize(Settings& settings, const char* value) {
+    const int n = readSettingInteger(value);
+    if (n >= 1) settings.hashExponent = n - 1;
+}
+
+int readConfigurationFile(const char* fileName, Settings& settings) {
     std::FILE* file = std::fopen(fileName, "r");
     if (file == nullptr) return 0;
     char line[ConfigLineLength + 1];
-    while (readConfigLine(file, line)) applyConfigLine(line, hashExponent, pathList, cacheBytes);
+    while (readConfigLine(file, line)) applyConfigLine(line, settings);
     std::fclose(file);
     return 1;
 }
 
 // The file lies beside the executable, whatever the working directory.
-void readConfiguration(int& hashExponent, char* pathList, std::int32_t& cacheBytes) {
+void readConfiguration(Settings& settings) {
     char fileName[ProgramDirectorySize + 16];
     std::snprintf(fileName, sizeof fileName, "%s%s", programDirectory(), ConfigFileName);
-    readConfigurationFile(fileName, hashExponent, pathList, cacheBytes);
+    readConfigurationFile(fileName, settings);
+}
+
+void applySwitches(const Settings& settings) {
+    if (settings.useBook >= 0) book::useBook.store(settings.useBook, std::memory_order_relaxed);
+    if (settings.resign >= 0) resignEnabled.store(settings.resign, std::memory_order_relaxed);
+    if (settings.logFile >= 0) logEnabled = settings.logFile;
+    if (settings.ponder >= 0) ponderEnabled.store(settings.ponder, std::memory_order_relaxed);
 }
 
 }  // namespace frontend

@@ -5,6 +5,8 @@
 #include <atomic>
 #include <cstdint>
 
+#include "tablebase/registry.h"
+
 namespace frontend {
 
 // 1: the think thread runs the resign test after each of its moves. Written
@@ -23,13 +25,29 @@ constexpr int ConfigLineLength = 126;
 // and kept; empty if the system can't tell.
 const char* programDirectory();
 
-// Reads morvane.cfg beside the executable. `hashExponent`, the path list and
-// the cache size are the caller's; the other keys set the globals. A missing
-// file leaves everything as it was.
-void readConfiguration(int& hashExponent, char* pathList, std::int32_t& cacheBytes);
-// The same for any file; `pathList` holds tablebase::TbPathListLimit + 2
-// characters. Returns 0 if the file can't be opened.
-int readConfigurationFile(const char* fileName, int& hashExponent, char* pathList, std::int32_t& cacheBytes);
+// What the configuration file and then the switches decide at start-up.
+struct Settings {
+    int hashExponent = 0;  // the hash tables get one bucket's size << hashExponent bytes
+    char tbPathList[tablebase::TbPathListLimit + 2] = "";
+    std::int32_t tbCacheBytes = tablebase::DefaultTbCacheBytes;
+    // The engine's switches; -1 where the file said nothing, so the flag stands.
+    int useBook = -1;
+    int resign = -1;
+    int logFile = -1;
+    int ponder = -1;
+};
+
+// HASHTABLE=n and -hn alike: a size n of 1 or more asks for 2^(n-1)
+// buckets; a smaller or unreadable size changes nothing.
+void setHashTableSize(Settings& settings, const char* value);
+
+// Reads morvane.cfg beside the executable into `settings`; a missing file
+// leaves them as they were.
+void readConfiguration(Settings& settings);
+// The same for any file. Returns 0 if the file can't be opened.
+int readConfigurationFile(const char* fileName, Settings& settings);
+// Sets the engine's switches that the settings give (book, resign, log, ponder).
+void applySwitches(const Settings& settings);
 
 // A decimal integer as the configuration and the switches write it: blanks
 // and tabs in front skipped, a sign, digits; saturates at the int range, and

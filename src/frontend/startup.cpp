@@ -33,13 +33,13 @@ constexpr int TenthsPerSecond = 10;
 // The tablebases are first looked for beside the program: its directory
 // without the closing separator. A directory too long for the list leaves
 // it empty, which means the working directory.
-void startPathList() {
+void startPathList(char* pathList) {
     const char* directory = programDirectory();
     const std::size_t length = std::strlen(directory);
-    tablebase::tbPathList[0] = '\0';
+    pathList[0] = '\0';
     if (length == 0 || length - 1 > std::size_t(tablebase::TbPathListLimit)) return;
-    std::memcpy(tablebase::tbPathList, directory, length - 1);
-    tablebase::tbPathList[length - 1] = '\0';
+    std::memcpy(pathList, directory, length - 1);
+    pathList[length - 1] = '\0';
 }
 
 // -1 when the tables can't be had.
@@ -97,9 +97,10 @@ void printBanner() {
 // A switch's value is glued to its letter. Bare words and unknown letters
 // are passed over.
 int processCommandLine(int argc, char** argv) {
-    int hashExponent = 0;
-    startPathList();
-    readConfiguration(hashExponent, tablebase::tbPathList, tablebase::tbCacheBytes);
+    Settings settings;
+    startPathList(settings.tbPathList);
+    readConfiguration(settings);
+    applySwitches(settings);
 
     bool batch = false, tablesSized = false;
     for (int i = 1; i < argc; ++i) {
@@ -109,17 +110,12 @@ int processCommandLine(int argc, char** argv) {
         switch (argument[1]) {
             case 'd':
                 // A list too long to hold is refused whole rather than cut.
-                if (std::strlen(value) <= std::size_t(tablebase::TbPathListLimit)) std::strcpy(tablebase::tbPathList, value);
+                if (std::strlen(value) <= std::size_t(tablebase::TbPathListLimit)) std::strcpy(settings.tbPathList, value);
                 break;
-            case 'h': {
-                // Like the key, a size below 1 is ignored.
-                const int n = readSettingInteger(value);
-                if (n >= 1) hashExponent = n - 1;
-                break;
-            }
+            case 'h': setHashTableSize(settings, value); break;
             case 't': timeSwitch(value); break;
             case 'f':
-                if (sizeHashTables(hashExponent) < 0) return 1;
+                if (sizeHashTables(settings.hashExponent) < 0) return 1;
                 tablesSized = true;
                 if (loadGameFile(board::game, value) < 0) {
                     badFile();
@@ -137,7 +133,9 @@ int processCommandLine(int argc, char** argv) {
             default: break;
         }
     }
-    if (!tablesSized && sizeHashTables(hashExponent) < 0) return 1;
+    if (!tablesSized && sizeHashTables(settings.hashExponent) < 0) return 1;
+    std::memcpy(tablebase::tbPathList, settings.tbPathList, sizeof settings.tbPathList);
+    tablebase::tbCacheBytes = settings.tbCacheBytes;
     if (batch) {
         runBatch();
         return 0;

@@ -18,29 +18,18 @@
 #include "search/ordering.h"
 #include "tablebase/probe.h"
 #include "tablebase/registry.h"
+#include "platform/text.h"
 
 namespace frontend {
 
 namespace {
 
-constexpr std::int64_t Megabyte = 1048576;
 // The FEN stands this far behind the start of "fen".
 constexpr int FenWordSkip = 4;
 // A move token holds four characters and a promotion letter.
 constexpr int TokenLength = 5;
 // Room for the longest path the list can take and its quotes.
 constexpr int PathSize = tablebase::TbPathListLimit + 8;
-
-char asciiUpper(char c) { return (c >= 'a' && c <= 'z') ? char(c - 'a' + 'A') : c; }
-
-bool opensWithNoCase(const char* text, const char* word) {
-    for (; *word; ++text, ++word)
-        if (asciiUpper(*text) != asciiUpper(*word)) return false;
-    return true;
-}
-
-bool isAsciiLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
-bool isAsciiDigit(char c) { return c >= '0' && c <= '9'; }
 
 // The interface sends the whole position before each "GO": the game starts
 // afresh, and a new set-up leaves force mode.
@@ -66,7 +55,7 @@ void playMoveTokens(const char* text) {
             token[length] = text[length];
             ++length;
         }
-        if (length == TokenLength - 1 && isAsciiLetter(text[length])) {
+        if (length == TokenLength - 1 && platform::isAsciiLetter(text[length])) {
             token[length] = text[length];
             ++length;
         }
@@ -91,7 +80,7 @@ bool numberBehind(const char* line, const char* word, int& number) {
 // the tables are looked for again along the whole of it.
 void nalimovPathOption(const char* rest) {
     if (*rest == ' ') ++rest;
-    if (opensWithNoCase(rest, "value")) {
+    if (platform::opensWithNoCase(rest, "value")) {
         rest += 5;
         if (*rest == ' ') ++rest;
     }
@@ -107,9 +96,9 @@ void nalimovPathOption(const char* rest) {
 
 void stripPathQuotes(char* path) {
     if (path[0] == '\0') return;
-    if (!isAsciiLetter(path[0]) && path[0] != '/') std::memmove(path, path + 1, std::strlen(path));
+    if (!platform::isAsciiLetter(path[0]) && path[0] != '/') std::memmove(path, path + 1, std::strlen(path));
     const std::size_t length = std::strlen(path);
-    if (length > 0 && !isAsciiLetter(path[length - 1]) && !isAsciiDigit(path[length - 1])) path[length - 1] = '\0';
+    if (length > 0 && !platform::isAsciiLetter(path[length - 1]) && !platform::isAsciiDigit(path[length - 1])) path[length - 1] = '\0';
 }
 
 void useTablebasePath(char* path) {
@@ -158,14 +147,14 @@ void setoptionCommand(const char* line) {
     static constexpr const char* HashPrefix = "setoption name Hash value";
     static constexpr const char* PathPrefix = "setoption name NalimovPath";
     static constexpr const char* CachePrefix = "setoption name NalimovCache value";
-    if (opensWithNoCase(line, HashPrefix)) {
-        search::setHashSize(std::int64_t(readSettingInteger(line + std::strlen(HashPrefix))) * Megabyte);
-    } else if (opensWithNoCase(line, PathPrefix)) {
+    if (platform::opensWithNoCase(line, HashPrefix)) {
+        search::setHashSize(std::int64_t(readSettingInteger(line + std::strlen(HashPrefix))) * search::Megabyte);
+    } else if (platform::opensWithNoCase(line, PathPrefix)) {
         nalimovPathOption(line + std::strlen(PathPrefix));
-    } else if (opensWithNoCase(line, CachePrefix)) {
+    } else if (platform::opensWithNoCase(line, CachePrefix)) {
         const int megabytes = readSettingInteger(line + std::strlen(CachePrefix));
         if (megabytes >= 1) {
-            const std::int64_t bytes = std::int64_t(megabytes) * Megabyte;
+            const std::int64_t bytes = std::int64_t(megabytes) * search::Megabyte;
             tablebase::tbCacheBytes = bytes > INT32_MAX ? INT32_MAX : std::int32_t(bytes);
         }
     }

@@ -18,6 +18,7 @@
 #include "search/think.h"
 #include "tablebase/probe.h"
 #include "tablebase/registry.h"
+#include "platform/text.h"
 
 namespace frontend {
 
@@ -31,20 +32,8 @@ constexpr int TimeWordLength = 4;
 constexpr int MemoryArgumentAt = 7;
 constexpr int EgtpathWordLength = 7;
 
-constexpr std::int64_t Megabyte = 1048576;
 // Room for the longest path the list can take and its quotes.
 constexpr int PathSize = tablebase::TbPathListLimit + 8;
-
-bool isBlank(char c) { return c == ' ' || c == '\t'; }
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-
-char asciiUpper(char c) { return (c >= 'a' && c <= 'z') ? char(c - 'a' + 'A') : c; }
-
-bool opensWithNoCase(const char* text, const char* word) {
-    for (; *word; ++text, ++word)
-        if (asciiUpper(*text) != asciiUpper(*word)) return false;
-    return true;
-}
 
 int saturate(std::int64_t value) { return int(std::clamp<std::int64_t>(value, INT_MIN, INT_MAX)); }
 
@@ -56,9 +45,9 @@ bool scanNumber(const char*& cursor, int& value) {
     while (*p == ' ' || (*p >= '\t' && *p <= '\r')) ++p;
     const bool negative = *p == '-';
     if (*p == '-' || *p == '+') ++p;
-    if (!isDigit(*p)) return false;
+    if (!platform::isAsciiDigit(*p)) return false;
     std::int64_t number = 0;
-    for (; isDigit(*p); ++p) number = std::min<std::int64_t>(number * 10 + (*p - '0'), std::int64_t(INT_MAX) + 1);
+    for (; platform::isAsciiDigit(*p); ++p) number = std::min<std::int64_t>(number * 10 + (*p - '0'), std::int64_t(INT_MAX) + 1);
     value = saturate(negative ? -number : number);
     cursor = p;
     return true;
@@ -131,18 +120,18 @@ void memoryCommand(const char* line) {
     const int megabytes = readSettingInteger(argument);
     const std::int64_t cache = search::tablebaseCacheSize(megabytes);
     tablebase::tbCacheBytes = std::int32_t(std::min<std::int64_t>(cache, INT32_MAX));
-    search::setHashSize(std::int64_t(megabytes) * Megabyte);
+    search::setHashSize(std::int64_t(megabytes) * search::Megabyte);
 }
 
 // "EGTPATH NALIMOV <path>": the path joins the list, and the tables are
 // looked for again along all of it. Any other kind of table is ignored.
 void egtpathCommand(const char* line) {
     const char* p = line + EgtpathWordLength;
-    while (isBlank(*p)) ++p;
-    if (!opensWithNoCase(p, "NALIMOV")) return;
-    while (*p != '\0' && !isBlank(*p)) ++p;
-    if (!isBlank(*p)) return;
-    while (isBlank(*p)) ++p;
+    p = platform::skipBlanks(p);
+    if (!platform::opensWithNoCase(p, "NALIMOV")) return;
+    while (*p != '\0' && !platform::isBlank(*p)) ++p;
+    if (!platform::isBlank(*p)) return;
+    p = platform::skipBlanks(p);
     if (*p == '\0' || std::strlen(p) >= std::size_t(PathSize)) return;
     char path[PathSize];
     std::strcpy(path, p);

@@ -30,7 +30,6 @@ constexpr int PliesPerGeneration = 8;
 constexpr int DepthMargin = 3;
 constexpr int PvStanding = 2;
 constexpr int MateThreshold = 32000;
-constexpr std::int64_t Megabyte = 1048576;
 constexpr std::int64_t MinTablebaseCacheMegabytes = 4;
 
 // Release both tables and zero their sizes, so that nothing indexes a freed

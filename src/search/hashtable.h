@@ -50,6 +50,9 @@ inline int scoreFromHash(int stored, int ply) {
     return stored;
 }
 
+// Memory figures from the protocols and the configuration are in these.
+constexpr std::int64_t Megabyte = 1048576;
+
 constexpr std::uint32_t MinHashEntries = 0x20000;
 
 extern HashBucket* hashTable;            // hashEntries buckets

@@ -23,11 +23,7 @@
 
 namespace {
 
-struct Settings {
-    int hashExponent = 0;
-    char pathList[tablebase::TbPathListLimit + 2] = "/eng";
-    std::int32_t cacheBytes = tablebase::DefaultTbCacheBytes;
-};
+using frontend::Settings;
 
 // Reads `text` as a configuration file into fresh settings.
 Settings readConfig(const std::string& text) {
@@ -36,7 +32,8 @@ Settings readConfig(const std::string& text) {
     close(fd);
     std::ofstream(name, std::ios::binary) << text;
     Settings s;
-    EXPECT_EQ(frontend::readConfigurationFile(name, s.hashExponent, s.pathList, s.cacheBytes), 1);
+    EXPECT_EQ(frontend::readConfigurationFile(name, s), 1);
+    frontend::applySwitches(s);
     std::remove(name);
     return s;
 }
@@ -53,8 +50,8 @@ TEST(Configuration, NumbersReadLikeTheFileWritesThem) {
 TEST(Configuration, KeysArePrefixesFreeOfCase) {
     Settings s = readConfig("hashtable=21\nTB_CACHE_SIZE= 16\n");
     EXPECT_EQ(s.hashExponent, 20);
-    EXPECT_EQ(s.cacheBytes, 16 * 1048576);
-    EXPECT_EQ(readConfig("TB_CACHE_SIZE=99999\n").cacheBytes, 2147483647);  // kept within its i32
+    EXPECT_EQ(s.tbCacheBytes, 16 * 1048576);
+    EXPECT_EQ(readConfig("TB_CACHE_SIZE=99999\n").tbCacheBytes, 2147483647);  // kept within its i32
 
     frontend::resignEnabled = 1;
     book::useBook = 1;

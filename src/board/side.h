@@ -33,6 +33,9 @@ struct Side {
     static constexpr int kingId = firstId + SlotKing;
     static constexpr int rookAId = firstId + SlotRookA;
     static constexpr int rookHId = firstId + SlotRookH;
+    // The bishop slot that starts on a light square: f1 for White, c8 for Black.
+    static constexpr int lightBishopId = firstId + (isWhite ? SlotBishopF : SlotBishopC);
+    static constexpr int darkBishopId = firstId + (isWhite ? SlotBishopC : SlotBishopF);
     static constexpr int pawnType = pawnTypeOf(C);
     static constexpr int enemyPawnType = pawnTypeOf(them);
 

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 
+#include "board/side.h"
 #include "board/tables.h"
 #include "board/types.h"
 
@@ -64,15 +65,6 @@ int cornerDistance(int sq, int cornerA, int cornerB) {
     return std::min(board::kingDistance[sq][cornerA], board::kingDistance[sq][cornerB]);
 }
 
-// The strong side's light-squared bishop slot decides which corners mate.
-template<Color Strong> struct DriveTraits;
-template<> struct DriveTraits<board::White> {
-    static constexpr int lightBishopId = board::SlotBishopF;
-};
-template<> struct DriveTraits<board::Black> {
-    static constexpr int lightBishopId = board::BlackIdBase + board::SlotBishopC;
-};
-
 // How far the strong side is from mating: the weak king away from the edge
 // (or from the right corner) and the kings apart. Small beside material, it
 // only orders the mating play.
@@ -93,7 +85,8 @@ int drivePenalty(const PieceCounts& counts) {
         return kings + 2 * corner;
     }
     if (own[board::Bishop] == 1 && own[board::Knight] >= 1) {
-        const bool light = sb.pieceSquare[DriveTraits<Strong>::lightBishopId] != board::NoSquare;
+        // The light-squared bishop slot decides which corners mate.
+        const bool light = sb.pieceSquare[board::Side<Strong>::lightBishopId] != board::NoSquare;
         const int corner = light ? cornerDistance(weakKing, board::H1, board::A8)
                                  : cornerDistance(weakKing, board::A1, board::H8);
         return kings + 2 * corner;

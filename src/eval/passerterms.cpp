@@ -56,10 +56,6 @@ int bestPasser(const EvalTerms& t) {
         return t.bestBlackPasser;
 }
 
-// The bishop slot whose start square is light: f1 for White, c8 for Black.
-constexpr int lightBishopSlot(Color c) { return c == board::White ? board::SlotBishopF : board::SlotBishopC; }
-constexpr int darkBishopSlot(Color c) { return c == board::White ? board::SlotBishopC : board::SlotBishopF; }
-
 // C's best passer if it stands on its fourth rank or beyond, else NoSquare.
 template<Color C>
 int advancedPasser(const EvalTerms& t) {
@@ -110,7 +106,8 @@ void bishopAgainstPasser(EvalTerms& t, int sq) {
     using S = board::Side<C>;
     const int promotion = S::rel(board::makeSquare(board::fileOf(sq), 7));
     const bool light = ((board::fileOf(promotion) + board::rankOf(promotion)) & 1) != 0;
-    if (onBoard(S::enemyId(light ? lightBishopSlot(S::them) : darkBishopSlot(S::them))))
+    using T = board::Side<S::them>;
+    if (onBoard(light ? T::lightBishopId : T::darkBishopId))
         t.positional -= S::sign * BishopOnPromotionColour * S::relRank(sq);
 }
 

@@ -592,12 +592,11 @@ int isMaterialDraw(const NodeState& node) {
     if (node.pieceCount[White] == 0) return node.materialTotal[Black] <= LoneMinorMaterial;
     if (node.materialTotal[White] > LoneMinorMaterial || node.materialTotal[Black] > LoneMinorMaterial) return 0;
     // One minor piece each: drawn if they are bishops of one square colour.
-    // The f1 and c8 bishops run on light squares, the c1 and f8 bishops on dark.
     const int* square = searchBoard.pieceSquare;
-    constexpr int whiteLight = SlotBishopF, whiteDark = SlotBishopC;
-    constexpr int blackLight = BlackIdBase + SlotBishopC, blackDark = BlackIdBase + SlotBishopF;
-    return (square[whiteLight] != NoSquare && square[blackLight] != NoSquare) ||
-           (square[whiteDark] != NoSquare && square[blackDark] != NoSquare);
+    using W = Side<White>;
+    using B = Side<Black>;
+    return (square[W::lightBishopId] != NoSquare && square[B::lightBishopId] != NoSquare) ||
+           (square[W::darkBishopId] != NoSquare && square[B::darkBishopId] != NoSquare);
 }
 
 // The node's entry is at historyTop + ply; the same side was to move two,

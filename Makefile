@@ -5,7 +5,7 @@ ASAN_BUILD ?= build-asan
 TSAN_BUILD ?= build-tsan
 JOBS ?= 2
 
-.PHONY: all build play test test-asan test-tsan bench perft match deps clean
+.PHONY: all build play test test-asan test-tsan bench perft match lines deps clean
 
 all: build
 
@@ -19,21 +19,22 @@ build: deps
 play: build
 	@$(BUILD)/morvane
 
-# The sanitizer pass runs the input-hardening tests first; the full suite
-# runs last so that its summary closes the output.
+# The sanitizer passes run first, the full suite last so that its summary
+# closes the output. Games against other engines are `make match`'s.
 test:
 	@scripts/install-deps.sh --test
-	@scripts/install-match-deps.sh
 	@$(MAKE) --no-print-directory test-asan
 	@$(MAKE) --no-print-directory test-tsan
 	@cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=Release >/dev/null
 	@cmake --build $(BUILD) -j$(JOBS)
 	@cd $(BUILD) && ctest --output-on-failure -j$(JOBS)
 
+# The input-hardening tests and the make/unmake self-checks, with AddressSanitizer,
+# UndefinedBehaviorSanitizer and the Debug asserts.
 test-asan:
 	@cmake -S . -B $(ASAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DMORVANE_SANITIZE=address >/dev/null
 	@cmake --build $(ASAN_BUILD) -j$(JOBS)
-	@$(ASAN_BUILD)/morvane_tests --gtest_brief=1 --gtest_filter='*Fuzz*:*Transcript*:Fen*:Edit*'
+	@$(ASAN_BUILD)/morvane_tests --gtest_brief=1 --gtest_filter='FrontEndFuzz*:*Transcript*:Fen*:EditPosition*:MakeUnmake*:SearchNodeTest*'
 
 # The think thread against random commands, under ThreadSanitizer.
 test-tsan:
@@ -50,6 +51,10 @@ perft: build
 # 10 games at 10+0.1 against fairymax through xboard: 5 as xboard engine, 5 as UCI.
 match: build
 	@scripts/match.sh $(BUILD)
+
+# Lines of code and of tests, and their ratio.
+lines:
+	@scripts/count-lines.sh
 
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD) $(TSAN_BUILD)

@@ -1,47 +1,35 @@
 // The search node on hand-made positions: mate distances seen from both
-// colours, the draws that the node scores itself, the table rule after a
-// double step, the lazy stand-still of quiescence, and the null move's
-// absence where a side has only king and pawns.
+// colours, the draws and repetitions it scores itself, the table rule after
+// a double step, and the abort. Its pruning and ordering move the bench
+// signature when they change.
 
 #include <gtest/gtest.h>
 
 #include <csetjmp>
 #include <cstdint>
 #include <cstring>
-#include <utility>
 #include <string>
 
-#include "board/fen.h"
-#include "board/game.h"
-#include "board/keys.h"
 #include "board/movetext.h"
-#include "eval/setup.h"
 #include "eval/pawnhash.h"
-#include "search/hashtable.h"
-#include "position/attacks.h"
+#include "eval/setup.h"
 #include "position/make.h"
-#include "position/movegen.h"
-#include "search/ordering.h"
+#include "search/hashtable.h"
 #include "search/lines.h"
+#include "search/ordering.h"
 #include "search/search.h"
-#include "search/roots.h"
 #include "search/think.h"
+#include "support/roots.h"
 
 namespace {
 
 using namespace board;
 using namespace search;
-using namespace position;
+using position::NodeState;
+using position::SearchBoard;
+using position::searchBoard;
 
-Move moveOf(const char* from, const char* to, int special = SpecialNone) {
-    return makeMove(squareOf(from), squareOf(to), special);
-}
-
-std::string moveText(std::uint32_t word) {
-    char text[8];
-    formatCoordinateMove(Move(word & LowMoveMask), text);
-    return text;
-}
+Move moveOf(const char* from, const char* to) { return makeMove(squareOf(from), squareOf(to)); }
 
 class SearchNodeTest : public testing::Test {
 protected:
@@ -56,134 +44,95 @@ protected:
         clearCounters();
         abortSearch.store(0);
         timeCheckCounter = 0;
-        extensionPlyLimit = 0;
+        extensionPlyLimit = 4;
     }
 
-    // A full-window root search of `plies` plies from `fen`, run through the
-    // driver's startSearch as one aspiration try; returns the head's score
-    // and leaves the principal variation in pvHeads[0].
+    // A full-window root search of `plies` plies, run through the driver's
+    // startSearch as one aspiration try; the head's score.
     static int rootSearch(const char* fen, int plies) {
         rootNode(fen);
-        Position& position = *game.position;
         copyToRootMoves(game.legalMoves);
         extensionPlyLimit = 2 * plies;
         pvHeads[0]->word = std::uint32_t(withScore(NoMove, -InfiniteScore));
-        startSearch(game.sideToMove ^ 1, NoMove, RootNode, plies, -InfiniteScore, InfiniteScore, position);
+        startSearch(game.sideToMove ^ 1, NoMove, RootNode, plies, -InfiniteScore, InfiniteScore, *game.position);
         return scoreHalf(Move(pvHeads[0]->word));
     }
 
-    // The line that the root search left, as coordinate moves.
-    static std::string principalLine() {
-        std::string line;
-        for (const PvNode* n = pvHeads[0]; n != nullptr && n->word != 0; n = n->next) {
-            if (!line.empty()) line += ' ';
-            line += moveText(n->word);
-        }
-        return line;
+    static int childOfWhite(const NodeState& root, Move move, int depth, int alpha = -InfiniteScore,
+                            int beta = InfiniteScore) {
+        return searchBlack(move, CheckLegality, depth, alpha, beta, &root);
     }
 };
 
 // Mated at ply p scores p - 32700, so a mate in n moves scores 32701 - 2n at
-// the root. Each position is also searched with the colours reversed: the
-// twins must agree.
+// the root. The colours reversed give the same; a deeper search no longer.
 TEST_F(SearchNodeTest, MatesScoreTheirDistanceForEitherColour) {
-    struct Case {
+    const struct {
         const char* fen;
         const char* mirrored;
-        int plies;
-        int score;
-    };
-    const Case cases[] = {
+        int plies, score;
+    } cases[] = {
         {"k7/8/1K6/8/8/8/8/7R w - - 0 1", "7r/8/8/8/8/1k6/8/K7 b - - 0 1", 2, 32699},
         {"k7/8/2K5/8/8/8/8/7R w - - 0 1", "7r/8/8/8/8/2k5/8/K7 b - - 0 1", 4, 32697},
-        {"8/7k/8/8/8/8/8/RR4K1 w - - 0 1", "rr4k1/8/8/8/8/8/7K/8 b - - 0 1", 6, 32695},
-        // The side to move is mated after two plies.
         {"7k/R7/8/8/8/8/8/1R4K1 b - - 0 1", "1r4k1/8/8/8/8/8/r7/7K w - - 0 1", 4, -32698},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         EXPECT_EQ(rootSearch(c.fen, c.plies), c.score) << c.fen;
         EXPECT_EQ(rootSearch(c.mirrored, c.plies), c.score) << c.mirrored;
-        // A deeper search finds the same distance, not a longer one.
         EXPECT_EQ(rootSearch(c.fen, c.plies + 2), c.score) << c.fen;
     }
-}
-
-// The line of a mate ends with the mating move and nothing behind it.
-TEST_F(SearchNodeTest, MateLineIsSplicedBehindTheRootMove) {
+    // The line ends with the mating move.
     ASSERT_EQ(rootSearch("k7/8/2K5/8/8/8/8/7R w - - 0 1", 4), 32697);
-    const std::string line = principalLine();
+    std::string line;
+    for (const PvNode* n = pvHeads[0]; n != nullptr && n->word != 0; n = n->next) {
+        char text[8];
+        formatCoordinateMove(moveHalf(Move(n->word)), text);
+        line += std::string(line.empty() ? "" : " ") + text;
+    }
     EXPECT_TRUE(line == "c6b6 a8b8 h1h8" || line == "c6c7 a8a7 h1a1") << line;
 }
 
-// The mated node itself, one ply below the root, returns 1 - 32700; a move
-// that leaves the own king attacked, or lands on the enemy king, is refused.
-TEST_F(SearchNodeTest, ChildReportsMateAndIllegality) {
-    const NodeState root = rootNode("k7/8/1K6/8/8/8/8/7R w - - 0 1");
-    extensionPlyLimit = 4;
-    EXPECT_EQ(searchBlack(moveOf("h1", "h8"), CheckLegality, 2 * OnePly, -InfiniteScore, InfiniteScore, &root),
-              1 - MateBase);
-    EXPECT_EQ(searchBlack(moveOf("b6", "b7"), CheckLegality, 2 * OnePly, -InfiniteScore, InfiniteScore, &root),
-              IllegalScore);
+// Mate, illegality (a move onto the king is refused before any make),
+// stalemate and dead material, with the board as it was afterwards.
+TEST_F(SearchNodeTest, MateIllegalStalemateAndDeadMaterial) {
+    NodeState root = rootNode("k7/8/1K6/8/8/8/8/7R w - - 0 1");
+    EXPECT_EQ(childOfWhite(root, moveOf("h1", "h8"), 2 * OnePly), 1 - MateBase);
+    EXPECT_EQ(childOfWhite(root, moveOf("b6", "b7"), 2 * OnePly), IllegalScore);
     const SearchBoard before = searchBoard;
-    EXPECT_EQ(searchWhite(moveOf("a8", "b6"), 0, 0, -InfiniteScore, InfiniteScore, &root), IllegalScore)
-        << "a target square holding the king is refused before any make";
+    EXPECT_EQ(searchWhite(moveOf("a8", "b6"), 0, 0, -InfiniteScore, InfiniteScore, &root), IllegalScore);
     EXPECT_EQ(std::memcmp(&before, &searchBoard, sizeof before), 0);
-}
 
-// A stalemate found in the tree is exactly 0, not an evaluation; and the
-// board comes back as it was.
-TEST_F(SearchNodeTest, StalemateScoresZero) {
-    const NodeState root = rootNode("7k/8/8/6Q1/8/8/8/K7 w - - 0 1");
-    const SearchBoard before = searchBoard;
-    extensionPlyLimit = 4;
-    EXPECT_EQ(searchBlack(moveOf("g5", "g6"), CheckLegality, 2 * OnePly, -InfiniteScore, InfiniteScore, &root), 0);
-    EXPECT_EQ(std::memcmp(&before, &searchBoard, sizeof before), 0);
-    // The same queen a square further is no stalemate: Black's king walks.
-    EXPECT_NE(searchBlack(moveOf("g5", "f6"), CheckLegality, 2 * OnePly, -InfiniteScore, InfiniteScore, &root), 0);
-}
+    root = rootNode("7k/8/8/6Q1/8/8/8/K7 w - - 0 1");
+    EXPECT_EQ(childOfWhite(root, moveOf("g5", "g6"), 2 * OnePly), 0);
+    EXPECT_NE(childOfWhite(root, moveOf("g5", "f6"), 2 * OnePly), 0);
+    root = rootNode("7k/8/8/8/8/8/1r6/K2N4 w - - 0 1");
+    EXPECT_EQ(childOfWhite(root, moveOf("d1", "b2") | CaptureMark, 4 * OnePly), 0);
 
-// Material that can't mate ends the node after the capture that left it.
-TEST_F(SearchNodeTest, CaptureIntoDeadMaterialIsADraw) {
-    const NodeState root = rootNode("7k/8/8/8/8/8/1r6/K2N4 w - - 0 1");
-    EXPECT_EQ(searchBlack(moveOf("d1", "b2") | CaptureMark, CheckLegality, 4 * OnePly, -InfiniteScore,
-                          InfiniteScore, &root),
-              0);
-}
-
-TEST(SearchDraws, MaterialDrawCases) {
-    struct Case {
+    const struct {
         const char* fen;
         int drawn;
+    } material[] = {
+        {"4k3/8/8/8/8/8/8/4K3 w - - 0 1", 1},     {"4kn2/8/8/8/8/8/8/4K3 w - - 0 1", 1},
+        {"2b1k3/8/8/8/8/8/8/4KB2 w - - 0 1", 1},  {"2b1k3/8/8/8/8/8/8/2B1K3 w - - 0 1", 0},
+        {"4k3/8/8/8/8/8/8/1NN1K3 w - - 0 1", 0},  {"4k3/p7/8/8/8/8/8/4K3 w - - 0 1", 0},
     };
-    const Case cases[] = {
-        {"4k3/8/8/8/8/8/8/4K3 w - - 0 1", 1},     // bare kings
-        {"4kn2/8/8/8/8/8/8/4K3 w - - 0 1", 1},    // Black's lone knight
-        {"2b1k3/8/8/8/8/8/8/4KB2 w - - 0 1", 1},  // bishops on light squares
-        {"2b1k3/8/8/8/8/8/8/2B1K3 w - - 0 1", 0}, // opposite colours
-        {"4k3/8/8/8/8/8/8/1NN1K3 w - - 0 1", 0},  // two knights
-        {"4k3/p7/8/8/8/8/8/4K3 w - - 0 1", 0},    // any pawn
-    };
-    for (const Case& c : cases) EXPECT_EQ(isMaterialDraw(rootNode(c.fen)), c.drawn) << c.fen;
+    for (const auto& c : material) EXPECT_EQ(isMaterialDraw(rootNode(c.fen)), c.drawn) << c.fen;
 }
 
-// Repetitions by where the earlier occurrences lie. The game plays knights
-// out and back; the entries the search writes are in the same history
-// array, so lowering historyTop makes the later game moves "inside the
-// search" for the node under test.
+// Repetitions by where the earlier occurrences lie. The game's moves are
+// played, then historyTop is lowered so that the last of them lie "inside
+// the search" of the node under test.
 class SearchRepetitionTest : public SearchNodeTest {
 protected:
-    // Plays `count` plies of Nf3 Nf6 Ng1 Ng8 ... in the game and returns the
-    // node of the position reached, as seen from a root `pliesInTree` back.
-    static NodeState playKnights(int count, int pliesInTree) {
-        EXPECT_EQ(setupFromFen(game, "4k1n1/8/8/8/8/8/8/4K1N1 w - - 0 1"), 0);
-        const Move dance[4] = {moveOf("g1", "f3"), moveOf("g8", "f6"), moveOf("f3", "g1"), moveOf("f6", "g8")};
-        for (int i = 0; i < count; ++i) makeGameMove(game, dance[i % 4]);
-        Position& position = *game.position;
-        computeKeys(position);
-        eval::setupEvaluation(position);
-        position.ply = 0;
+    static NodeState play(const char* fen, std::initializer_list<const char*> moves, int pliesInTree) {
+        EXPECT_EQ(setupFromFen(game, fen), 0);
+        for (const char* m : moves) EXPECT_GE(playMove(m), 0) << m;
+        Position& root = *game.position;
+        computeKeys(root);
+        eval::setupEvaluation(root);
+        root.ply = 0;
         NodeState node;
-        buildNodeState(node, position);
+        position::buildNodeState(node, root);
         node.ply = pliesInTree;
         game.historyTop -= pliesInTree;
         return node;
@@ -191,101 +140,42 @@ protected:
     void TearDown() override { setupFromFen(game, "4k3/8/8/8/8/8/8/4K3 w - - 0 1"); }
 };
 
+constexpr const char* Knights = "4k1n1/4p3/8/8/8/8/4P3/4K1N1 w - - 0 1";
+
 TEST_F(SearchRepetitionTest, OneEarlierOccurrenceCountsOnlyInsideTheTree) {
-    // After 6 plies, White's Ng1 recreates the position after ply 3.
-    const Move back = moveOf("f3", "g1");
-    {
-        // All six plies were played: the earlier occurrence is the game's.
-        NodeState child = playKnights(6, 0);
-        child.ply = 1;
-        makeMoveOf<White>(child, back);
-        EXPECT_EQ(countRepetitions(1, child), 0);
-        unmakeMoveOf<White>(back, NoPiece);
-    }
-    {
-        // Plies 3 to 6 belong to the tree: the same position is a draw, 2.
-        const NodeState node = playKnights(6, 4);
-        EXPECT_EQ(searchBlack(back, CheckLegality, 2 * OnePly, -InfiniteScore, InfiniteScore, &node), 2);
-    }
+    // After six plies Ng1 recreates the position after ply 3: a draw (2) if
+    // those plies belong to the tree, nothing if they were played.
+    const auto dance = {"g1f3", "g8f6", "f3g1", "f6g8", "g1f3", "g8f6"};
+    NodeState played = play(Knights, dance, 0);
+    played.ply = 1;
+    const int captured = position::makeMoveOf<White>(played, moveOf("f3", "g1"));
+    EXPECT_EQ(countRepetitions(1, played), 0);
+    position::unmakeMoveOf<White>(moveOf("f3", "g1"), captured);
+    EXPECT_EQ(childOfWhite(play(Knights, dance, 4), moveOf("f3", "g1"), 2 * OnePly), 2);
+    // Two earlier occurrences are a threefold (1) anywhere.
+    EXPECT_EQ(childOfWhite(play(Knights, {"g1f3", "g8f6", "f3g1", "f6g8", "g1f3", "g8f6", "f3g1", "f6g8", "g1f3",
+                                          "g8f6"}, 0),
+                           moveOf("f3", "g1"), 2 * OnePly),
+              1);
 }
 
-TEST_F(SearchRepetitionTest, TwoEarlierOccurrencesAreAThreefoldAnywhere) {
-    const NodeState node = playKnights(10, 0);
-    EXPECT_EQ(searchBlack(moveOf("f3", "g1"), CheckLegality, 2 * OnePly, -InfiniteScore, InfiniteScore, &node), 1);
+// Four plies after a pawn move the position after it recurs: the pawn
+// move's own entry is the earlier occurrence, and the walk must read it
+// before it stops at the irreversible move.
+TEST_F(SearchRepetitionTest, RepetitionExactlyFourPliesAfterAnIrreversibleMove) {
+    const NodeState node = play(Knights, {"e2e3", "g8f6", "g1f3", "f6g8"}, 3);
+    EXPECT_EQ(childOfWhite(node, moveOf("f3", "g1"), 2 * OnePly), 2);
 }
 
-// After a double step beside an enemy pawn the key can't tell the en
-// passant right, so the node neither stores nor reads; without the enemy
-// pawn the same kind of node stores.
-TEST_F(SearchNodeTest, DoubleStepBesideAPawnKeepsOutOfTheTable) {
-    const char* fens[2] = {"4k3/8/8/8/3p4/8/4P3/4K3 w - - 0 1", "4k3/8/8/8/p7/8/4P3/4K3 w - - 0 1"};
-    for (int i = 0; i < 2; ++i) {
-        clearHash();
-        const NodeState root = rootNode(fens[i]);
-        const Move push = moveOf("e2", "e4");
-        extensionPlyLimit = 4;
-        searchBlack(push, CheckLegality, 3 * OnePly, -InfiniteScore, InfiniteScore, &root);
-        NodeState child = root;
-        child.ply = 1;
-        makeMoveOf<White>(child, push);
-        const HashEntry* entry = hashProbe(1, child);
-        unmakeMoveOf<White>(push, NoPiece);
-        if (i == 0) EXPECT_EQ(entry, nullptr) << fens[i];
-        else EXPECT_NE(entry, nullptr) << fens[i];
-    }
-}
-
-// Quiescence far behind in material takes the window's lower bound as its
-// stand-still score without evaluating; a PV node always evaluates.
-TEST_F(SearchNodeTest, LazyStandStillTakesTheBoundWhenFarBehind) {
-    const NodeState root = rootNode("4k3/8/8/8/8/8/8/R3K3 w - - 0 1");
-    const Move quiet = moveOf("a1", "a2");
-    EXPECT_EQ(searchBlack(quiet, CheckLegality, 0, -100, -99, &root), -100);
-    const int evaluated = searchBlack(quiet, CheckLegality, 0, -100, 100, &root);
-    EXPECT_LT(evaluated, -1000);
-    EXPECT_GT(evaluated, -OrdinaryScoreMax);
-}
-
-// In check at the first quiescence ply every evasion is searched, so a
-// check with no escape is mate; two plies deeper only captures are tried
-// and a node without them answers lo.
-TEST_F(SearchNodeTest, QuiescenceInCheckByDepth) {
-    const NodeState root = rootNode("k7/8/1K6/8/8/8/8/7R w - - 0 1");
-    const Move mate = moveOf("h1", "h8");
-    // Fail-soft: the mate comes back below the window.
-    EXPECT_EQ(searchBlack(mate, CheckLegality, 0, -500, 500, &root), 1 - MateBase);
-    EXPECT_EQ(searchBlack(mate, CheckLegality, -2 * OnePly, -500, 500, &root), -500);
-}
-
-// A side with only king and pawns never tries the null move: forbidding it
-// changes nothing there, while with pieces on the board it changes the tree.
-TEST_F(SearchNodeTest, NoNullMoveForASideWithoutPieces) {
-    auto nodesOf = [&](const char* fen, Move move, unsigned flags) {
-        SetUp();
-        const NodeState root = rootNode(fen);
-        extensionPlyLimit = 10;
-        nodeCount.store(0);
-        const int score = searchBlack(move, CheckLegality | flags, 5 * OnePly, -InfiniteScore, InfiniteScore, &root);
-        return std::pair<int, std::uint32_t>(score, nodeCount.load());
-    };
-    const char* pawnsOnly = "4k3/pppp4/8/8/8/8/PPPP4/4K3 w - - 0 1";
-    EXPECT_EQ(nodesOf(pawnsOnly, moveOf("a2", "a3"), 0), nodesOf(pawnsOnly, moveOf("a2", "a3"), NoNullMove));
-    const char* withPieces = "r3k3/pppp4/8/8/8/8/PPPP4/R3K3 w - - 0 1";
-    EXPECT_NE(nodesOf(withPieces, moveOf("a2", "a3"), 0).second,
-              nodesOf(withPieces, moveOf("a2", "a3"), NoNullMove).second);
-}
-
-// The abort leaves through abortJump from inside the recursion.
-TEST_F(SearchNodeTest, AbortJumpsOutOfTheRecursion) {
+// The abort leaves through abortJump from inside the recursion, before
+// anything is made.
+TEST_F(SearchNodeTest, TheAbortJumpsOutOfTheRecursion) {
     const NodeState root = rootNode("r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq - 0 1");
-    extensionPlyLimit = 8;
-    timeCheckCounter = 0;
     nodeCount.store(0);
     volatile int jumped = 0;
     if (setjmp(abortJump) == 0) {
         abortSearch.store(1);
-        searchBlack(moveOf("e2", "a6") | CaptureMark, CheckLegality, 4 * OnePly, -InfiniteScore, InfiniteScore,
-                    &root);
+        childOfWhite(root, moveOf("e2", "a6") | CaptureMark, 4 * OnePly);
     } else {
         jumped = 1;
     }

@@ -1,10 +1,10 @@
 #pragma once
-// The real engine binary under test, over pipes. A transcript test feeds a
-// whole standard input and compares the output; a session sends commands as
-// it goes and waits for replies, so that they can arrive during a think.
-// Every wait has a deadline, so a hang fails a test instead of stalling the
-// suite. Standard error goes to an unlinked file, which can't fill up and
-// block the engine the way an unread pipe would.
+// The real engine binary under test, over pipes. A transcript feeds a whole
+// standard input and compares the output; a session sends commands as it
+// goes and waits for replies, so that they can arrive during a think. Every
+// wait has a deadline, so a hang fails a test instead of stalling the suite.
+// Standard error goes to an unlinked file, which can't fill up and block the
+// engine the way an unread pipe would.
 
 #include <sys/types.h>
 
@@ -13,9 +13,6 @@
 #include <vector>
 
 namespace testing_support {
-
-// Milliseconds of a steady clock, for deadlines and loose timing checks.
-long long nowMs();
 
 class EngineSession {
 public:
@@ -29,46 +26,33 @@ public:
 
     bool running() const { return child_ > 0; }
     pid_t pid() const { return child_; }
-
     // Writes `text` as it is; a command needs its own line feed.
     void send(const std::string& text);
-
-    // Reads until a line that `accept` takes has arrived behind the lines
-    // already consumed, and consumes up to and including it. Result: that
-    // line, or nothing on timeout or end of output (`found` says which).
+    // Reads until a line that `accept` takes arrives behind the lines already
+    // consumed, and consumes up to it. The line, or "" on timeout or end of
+    // output (`found` says which).
     std::string waitFor(const std::function<bool(const std::string&)>& accept, int timeoutMs, bool* found = nullptr);
-    // The same for a line that opens with `prefix`.
     bool waitForPrefix(const std::string& prefix, int timeoutMs, std::string* line = nullptr);
-
     const std::vector<std::string>& lines() const { return lines_; }
     std::size_t consumed() const { return consumed_; }
-    // The unconsumed lines, which are then consumed.
-    std::vector<std::string> takeRest();
     // Reads whatever arrives within `ms`.
     void drain(int ms);
-
-    // Closes standard input and waits for the exit; kills the engine after
-    // `timeoutMs`. Result: the exit code, or -1 if it was killed or crashed.
+    // Closes standard input and waits for the exit, killing the engine after
+    // `timeoutMs`. The exit code, or -1 if it was killed or crashed.
     int finish(int timeoutMs);
     bool timedOut() const { return timedOut_; }
-    // All of standard output as written, and standard error once finished.
     const std::string& outputText() const { return output_; }
     std::string errorText() const;
 
 private:
-    // Reads what is available within `ms`; false at the end of output.
-    bool readSome(int ms);
+    bool readSome(int ms);  // false at the end of output
 
     pid_t child_ = -1;
-    int toEngine_ = -1;
-    int fromEngine_ = -1;
-    int errorFile_ = -1;
-    bool outputEnded_ = false;
-    bool timedOut_ = false;
+    int toEngine_ = -1, fromEngine_ = -1, errorFile_ = -1;
+    bool outputEnded_ = false, timedOut_ = false;
     std::string output_;
-    std::size_t lineStart_ = 0;
+    std::size_t lineStart_ = 0, consumed_ = 0;
     std::vector<std::string> lines_;
-    std::size_t consumed_ = 0;
 };
 
 struct EngineRun {
@@ -80,9 +64,7 @@ struct EngineRun {
 // One transcript: `input` as the whole of standard input.
 EngineRun runEngine(const std::string& input, const std::vector<std::string>& arguments = {},
                     const std::string& program = {}, int timeoutMs = 20000);
-
-// Standard output of one transcript, after checking that the run ended
-// normally with code 0 (a test failure otherwise).
+// Standard output of one transcript of the built engine that ended with code 0.
 std::string transcript(const std::string& input);
 
 // A private copy of the engine in a fresh temporary directory, so that a test
@@ -90,15 +72,13 @@ std::string transcript(const std::string& input);
 class EngineSandbox {
 public:
     EngineSandbox();
-    ~EngineSandbox();  // removes the directory and all in it
+    ~EngineSandbox();
     EngineSandbox(const EngineSandbox&) = delete;
     EngineSandbox& operator=(const EngineSandbox&) = delete;
 
-    // Without a closing '/'; empty if it couldn't be made.
     const std::string& directory() const { return directory_; }
     void writeConfig(const std::string& text) const;
-    // Text of a file in the directory, empty if there is none.
-    std::string readFile(const std::string& name) const;
+    std::string readFile(const std::string& name) const;  // "" if there is none
     EngineRun run(const std::string& input, const std::vector<std::string>& arguments = {}) const {
         return runEngine(input, arguments, directory_ + "/morvane");
     }

@@ -1,4 +1,4 @@
-#include "frontend/engine.h"
+#include "support/engine.h"
 
 #include <gtest/gtest.h>
 
@@ -37,12 +37,12 @@ bool writeAll(int fd, const std::string& text) {
     return true;
 }
 
-}  // namespace
-
 long long nowMs() {
     return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch())
         .count();
 }
+
+}  // namespace
 
 EngineSession::EngineSession(const std::string& program, const std::vector<std::string>& arguments,
                              const std::string* input) {
@@ -136,12 +136,6 @@ bool EngineSession::waitForPrefix(const std::string& prefix, int timeoutMs, std:
         waitFor([&](const std::string& l) { return l.compare(0, prefix.size(), prefix) == 0; }, timeoutMs, &found);
     if (line) *line = got;
     return found;
-}
-
-std::vector<std::string> EngineSession::takeRest() {
-    std::vector<std::string> rest(lines_.begin() + long(consumed_), lines_.end());
-    consumed_ = lines_.size();
-    return rest;
 }
 
 void EngineSession::drain(int ms) {

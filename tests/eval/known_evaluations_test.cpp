@@ -8,13 +8,13 @@
 
 #include "board/game.h"
 #include "board/movetext.h"
-#include "search/roots.h"
+#include "support/roots.h"
 
 using namespace board;
 
 namespace {
 
-struct WorkedRow {
+struct KnownRow {
     const char* name;
     const char* fen;    // null: play `moves` from the initial position
     const char* moves;  // coordinate moves separated by blanks
@@ -24,7 +24,7 @@ struct WorkedRow {
     int whiteToMove, blackToMove;
 };
 
-constexpr WorkedRow rows[] = {
+constexpr KnownRow rows[] = {
     {"initial", nullptr, "", 0, true, 0, 0, 0, 0, 0, 0, 0, 80, 80},
     {"e4", nullptr, "e2e4", 0, true, 0, 96, 0, 0, 100, 0, -42, 240, -80},
     {"sicilian", nullptr, "e2e4 c7c5 g1f3 d7d6 d2d4 c5d4 f3d4 g8f6 b1c3 a7a6", 0, true, 0, 126, 32, 0, 116, -64,
@@ -40,7 +40,7 @@ constexpr WorkedRow rows[] = {
 };
 
 // The row's position in the global game, reached the way a user would.
-void reachPosition(const WorkedRow& row) {
+void reachPosition(const KnownRow& row) {
     if (row.fen != nullptr) {
         ASSERT_EQ(setupFromFen(game, row.fen), 0) << row.name;
         return;
@@ -57,8 +57,8 @@ void reachPosition(const WorkedRow& row) {
 
 }  // namespace
 
-TEST(WorkedValues, EveryGroupOfEveryRowAndBothSidesToMove) {
-    for (const WorkedRow& row : rows) {
+TEST(KnownEvaluations, EveryGroupOfEveryRowAndBothSidesToMove) {
+    for (const KnownRow& row : rows) {
         SCOPED_TRACE(row.name);
         reachPosition(row);
         // The groups are the table's for the side to move of the position.

@@ -33,13 +33,13 @@ test:
 # UndefinedBehaviorSanitizer and the Debug asserts.
 test-asan:
 	@cmake -S . -B $(ASAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DMORVANE_SANITIZE=address >/dev/null
-	@cmake --build $(ASAN_BUILD) -j$(JOBS)
+	@cmake --build $(ASAN_BUILD) -j$(JOBS) --target morvane_tests
 	@$(ASAN_BUILD)/morvane_tests --gtest_brief=1 --gtest_filter='FrontEndFuzz*:*Transcript*:Fen*:EditPosition*:MakeUnmake*:SearchNodeTest*'
 
 # The think thread against random commands, under ThreadSanitizer.
 test-tsan:
 	@cmake -S . -B $(TSAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DMORVANE_SANITIZE=thread >/dev/null
-	@cmake --build $(TSAN_BUILD) -j$(JOBS)
+	@cmake --build $(TSAN_BUILD) -j$(JOBS) --target morvane_tests
 	@TSAN_OPTIONS=halt_on_error=1 $(TSAN_BUILD)/morvane_tests --gtest_brief=1 --gtest_filter='ThinkThreadStress*:XboardSession*:ThinkGuard*'
 
 bench: build

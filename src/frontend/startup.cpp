@@ -7,6 +7,7 @@
 
 #include "board/game.h"
 #include "board/tables.h"
+#include "book/bookfile.h"
 #include "book/gamefiles.h"
 #include "frontend/commandloop.h"
 #include "frontend/config.h"
@@ -97,6 +98,7 @@ void printBanner() {
 // are passed over.
 int processCommandLine(int argc, char** argv) {
     int hashExponent = 0;
+    book::setBookDirectory(programDirectory());
     startPathList();
     readConfiguration(hashExponent, tablebase::tbPathList, tablebase::tbCacheBytes);
 

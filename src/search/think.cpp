@@ -257,7 +257,7 @@ int think(int side, board::Move* moves, int previousScore, int softLimitTenths, 
     if (clearFirst) clearLine();
     board::computeKeys(position);
 
-    if (book::useBook.load(std::memory_order_relaxed) && book::bookProbe(moves))
+    if (book::useBook.load(std::memory_order_relaxed) && book::bookProbe(board::game, moves))
         return answerFromBook(side, moves, position, uciOutput);
 
     iter.phaseClass = eval::setupEvaluation(position);

@@ -1,9 +1,5 @@
-// The book writer: which five moves a record keeps and in what order, counts
-// past 16 bits fitted without changing the percentage, the popularity score
-// of lines without results, and the file in key order without keys that a
-// record can't hold.
-#include <cmath>
-
+// The book writer: which five moves a record keeps and in what order, and
+// counts past 16 bits fitted without changing the percentage.
 #include "book/book.h"
 #include "book/bookfiles.h"
 #include "book/bookwriter.h"
@@ -50,29 +46,4 @@ TEST(BookWriter, CountsPastSixteenBitsKeepTheirPercentage) {
     EXPECT_EQ(entryOf(record, 3).games, 65535);
     EXPECT_EQ(entryOf(record, 3).score, 0);
     EXPECT_EQ(book::bookTickets(entryOf(record, 4)), 11);
-}
-
-TEST(BookWriter, PopularityRanksLinesAgainstTheMainOne) {
-    book::BookRecord record;
-    book::buildRecord("k", {{1, 5, 0}, {2, 10, 0}, {3, 1, 0}}, book::ScoreRule::Popularity, record);
-    EXPECT_EQ(book::bookTickets(record.entry[0]), 11);  // the main line
-    EXPECT_EQ(book::bookTickets(record.entry[1]), 6);   // half as many lines
-    EXPECT_EQ(book::bookTickets(record.entry[2]), 1);   // a rare sideline, still playable
-}
-
-TEST(BookWriter, WritesRecordsInKeyOrderLeavingOutOverlongKeys) {
-    char pattern[] = "/tmp/morvane-writer-XXXXXX";
-    ASSERT_NE(mkdtemp(pattern), nullptr);
-    const std::string path = std::string(pattern) + "/out.bo2";
-    writeFile(path, "an older book");
-    book::BookTally tally;
-    book::tallyMove(tally, "b", 1, 2);
-    book::tallyMove(tally, "a", 2, 0);
-    book::tallyMove(tally, std::string(book::BookKeySize, 'c'), 3, 1);
-    book::BookSummary summary;
-    ASSERT_TRUE(book::writeBook(tally, book::ScoreRule::Results, path.c_str(), summary));
-    EXPECT_EQ(summary.records, 2);
-    EXPECT_EQ(summary.keysTooLong, 1);
-    EXPECT_EQ(readFile(path), bytesOf({makeRecord("a", {{1, 0, 2}}), makeRecord("b", {{1, 2, 1}})}));
-    std::filesystem::remove_all(pattern);
 }

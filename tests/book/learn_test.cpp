@@ -47,7 +47,8 @@ TEST_F(BookLearn, PlayedEntriesGetTheResultForTheirSide) {
 }
 
 TEST_F(BookLearn, CountersStopAtTheirLimits) {
-    writeFile(mainBook(), bytesOf({makeRecord(keyOf(), {{65535, 65534, moveOf("e2e4")}, {65534, 65533, moveOf("d2d4")}})}));
+    writeFile(mainBook(),
+              bytesOf({makeRecord(keyOf(), {{65535, 65534, moveOf("e2e4")}, {65534, 65533, moveOf("d2d4")}})}));
     const book::BookPlay plays[] = {playOf(keyOf(), "e2e4"), playOf(keyOf(), "d2d4")};
     EXPECT_EQ(book::bookLearn(plays, 2, 2), 2);
     EXPECT_EQ(readFile(mainBook()),

@@ -17,3 +17,13 @@ if [ ${#need[@]} -gt 0 ]; then
   $SUDO apt-get update -qq
   DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y -qq "${need[@]}" >/dev/null
 fi
+# Opening lines for the default book. Optional: without them the engine is
+# built and plays without a book, so a failure here stops nothing.
+if [ ! -f /usr/share/scid/data/scid.eco ]; then
+  echo "Installing: scid-data (opening lines for the default book)"
+  SUDO=""
+  [ "$(id -u)" = 0 ] || SUDO="sudo"
+  if ! { $SUDO apt-get update -qq && DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y -qq scid-data >/dev/null; }; then
+    echo "scid-data could not be installed: the engine will play without a default book (see README)"
+  fi
+fi

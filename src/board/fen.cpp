@@ -109,7 +109,7 @@ void recordSetup(Game& g, int side) {
     p.materialBalance = balance;
     p.phaseClass = 0;
     p.fiftyCounter = 0;
-    bookMissesLeft = BookMissesStart;
+    g.bookMissesLeft = BookMissesStart;
     g.gameOver = GameOn;
     g.sideToMove = side;
     resetHistory(g);

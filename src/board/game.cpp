@@ -13,7 +13,6 @@
 namespace board {
 
 Game game;
-int bookMissesLeft = BookMissesStart;
 void (*resultFlushHook)() = nullptr;
 
 namespace {
@@ -75,7 +74,7 @@ void resetGame(Game& g) {
         g.pieceSquare[i] = startSquare[i];
         g.boardPiece[startSquare[i]] = i;
     }
-    bookMissesLeft = BookMissesStart;
+    g.bookMissesLeft = BookMissesStart;
     for (int i = 0; i < PieceIdCount; ++i) {
         g.pieceType[i] = startType[i];
         g.pieceValue[i] = startValue[i];
@@ -271,7 +270,7 @@ int takeBackMove(Game& g) {
     unpackCastleState(g, e.castleCode);
     g.position->fiftyCounter = 0;
     g.gameOver = GameOn;
-    if (g.historyCursor < 20) bookMissesLeft = BookMissesStart;
+    if (g.historyCursor < BookRearmPlies) g.bookMissesLeft = BookMissesStart;
     copyGameToPosition(g, *g.position);
     scanMovesOf(g.sideToMove, g.legalMoves, *g.position);
     return 0;

@@ -81,13 +81,16 @@ struct Game {
     std::int32_t ponderElapsed;
     std::int32_t ponderDepth;
     std::int32_t ponderScore;
+    // Empty book lookups still allowed before the book is left alone for
+    // this opening; re-armed by a reset, a set-up, and a take-back into the
+    // first BookRearmPlies plies.
+    std::int32_t bookMissesLeft;
 };
 
 // The one game of the program.
 extern Game game;
-// Reset together with the Game: book moves still to try before giving up.
-extern int bookMissesLeft;
 constexpr int BookMissesStart = 10;
+constexpr int BookRearmPlies = 20;
 constexpr int DefaultDepthLimit = 999;
 constexpr int DefaultTimeLimit = 60;
 

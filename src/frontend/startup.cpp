@@ -7,6 +7,7 @@
 
 #include "board/game.h"
 #include "board/tables.h"
+#include "book/bookfile.h"
 #include "frontend/gamefiles.h"
 #include "frontend/commandloop.h"
 #include "frontend/config.h"
@@ -98,6 +99,7 @@ void printBanner() {
 // are passed over.
 int processCommandLine(int argc, char** argv) {
     Settings settings;
+    book::setBookDirectory(programDirectory());
     startPathList(settings.tbPathList);
     readConfiguration(settings);
     applySwitches(settings);

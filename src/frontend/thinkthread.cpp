@@ -192,6 +192,7 @@ int runThink(board::Game& game, int uciOutput) {
     request.side = game.sideToMove;
     request.moves = game.legalMoves;
     request.position = game.position;
+    request.game = &game;
     request.softLimit = game.softTimeLimit;
     request.hardLimit = game.hardTimeLimit;
     request.depthLimit = game.depthLimit;
@@ -254,6 +255,7 @@ void ponderThink(board::Game& game) {
     request.side = game.sideToMove ^ 1;
     request.moves = replies;
     request.position = &position;
+    request.game = &game;  // a ponder think asks the book about the game, as every think does
     request.depthLimit = game.depthLimit;
     request.logText = logText;
     if (game.ponderReply != 0) {

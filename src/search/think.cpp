@@ -253,7 +253,8 @@ ThinkResult think(const ThinkRequest& request) {
     if (request.clearLine) clearLine();
     board::computeKeys(position);
 
-    if (book::useBook.load(std::memory_order_relaxed) && book::bookProbe(moves))
+    if (request.game != nullptr && book::useBook.load(std::memory_order_relaxed) &&
+        book::bookProbe(*request.game, moves))
         return {answerFromBook(request.side, moves, position, request.uciOutput), request.depthLimit};
 
     iter.phaseClass = eval::setupEvaluation(position);

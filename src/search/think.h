@@ -54,6 +54,8 @@ struct ThinkRequest {
     int side = board::White;             // the side to move, 0 White, 1 Black
     board::Move* moves = nullptr;        // root list, at most RootListSize - 1 words, ended by 0
     board::Position* position = nullptr; // the root position
+    // The game being played: the book reads its key from it. Null: no book.
+    board::Game* game = nullptr;
     int previousScore = -InfiniteScore;  // centres the first aspiration window
     int softLimit = NoTimeLimit;         // tenths of a second
     int hardLimit = NoTimeLimit;

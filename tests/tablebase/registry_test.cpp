@@ -3,9 +3,12 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <vector>
+
 #include "tablebase/probe.h"
 #include "tablebase/registry.h"
 #include "tablefiles.h"
+#include "../../tools/tbcompress/compressor.h"
 
 using namespace tablebase;
 using namespace tbtest;
@@ -102,4 +105,24 @@ TEST_F(TbRegistry, SignatureTreeTellsRowAndColours) {
     EXPECT_EQ(tbFindRow(TbSignature{}), 0);
     EXPECT_EQ(tbFindRow(TbSignature{{0, 0, 0, 0, 3, 0, 0, 0, 0, 0}}), 0);
     EXPECT_EQ(tbFindRow(TbSignature{{2, 0, 0, 0, 1, 0, 0, 0, 1, 0}}), 0);  // six men
+}
+
+// A compressed table reads the same bytes as the plain one it came from;
+// of the two compressed names, "kqk.nbw.emd" is tried first.
+TEST_F(TbRegistry, CompressedTablesReadThroughTheCache) {
+    const int kqk = tbRowId("kqk");
+    const std::uint32_t size = tbPositions(kqk, 0);
+    for (int variant : {5, 6}) {
+        std::vector<std::uint8_t> plain(size);
+        for (std::uint32_t i = 0; i < size; ++i) plain[i] = testByte(i, variant);
+        const std::vector<std::uint8_t> packed = tbcompress::compressTable(plain.data(), size);
+        std::FILE* f = std::fopen(dir.file(variant == 5 ? "kqk.nbw.emd" : "kqknbw.emd").c_str(), "wb");
+        ASSERT_NE(f, nullptr);
+        std::fwrite(packed.data(), 1, packed.size(), f);
+        std::fclose(f);
+    }
+    ASSERT_EQ(initTables(dir.path()), 3);
+    EXPECT_EQ(std::string(tbRows[kqk].path[0]), dir.file("kqk.nbw.emd"));
+    for (std::uint32_t i : {0u, 8191u, 8192u, 20000u, size - 1})
+        EXPECT_EQ(tbFetchByte(kqk, 0, i), std::int8_t(testByte(i, 5))) << i;
 }

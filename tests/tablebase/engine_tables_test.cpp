@@ -7,6 +7,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -104,45 +105,42 @@ TEST(TbEngine, AnnouncesTheTablesExactMate) {
     EXPECT_TRUE(announced);
 }
 
-// Each side's best by the tables: the mate comes on the table's move.
-TEST(TbEngine, PlaysKbnkOutToMateAgainstItself) {
-    if (!tablesReady()) GTEST_SKIP() << "tbgen or tbcompress could not make the test tables";
-    const char* fen = "8/8/8/8/3k4/8/8/KBN5 w - - 0 1";
-    const int mate = tableMate(fen);
-    EngineSession engine({}, {"-d" + Compressed});
-    engine.send("uci\n");
-    ASSERT_EQ(board::setupFromFen(board::game, fen), 0);
-    std::string moves;
-    int result = board::ResultOk, plies = 0;
-    while (result == board::ResultOk && plies < 2 * mate) {
+// Plays `plies` moves of the engine against itself from `fen` on the
+// test's own board; the result of the last move, or -99 for a move the
+// board refuses.
+int selfPlay(EngineSession& engine, const char* fen, int plies, std::string& moves) {
+    EXPECT_EQ(board::setupFromFen(board::game, fen), 0);
+    int result = board::ResultOk;
+    for (int ply = 0; ply < plies && result == board::ResultOk; ++ply) {
         char text[8] = {};
         const std::string move = think(engine, fen, moves, nullptr);
-        ASSERT_FALSE(move.empty()) << moves;
         move.copy(text, 7);
         result = board::makeGameMove(board::game, board::parseCoordinateMove(text, board::game.sideToMove));
         moves += " " + move;
-        ++plies;
+        if (result < 0) return -99;
     }
-    EXPECT_EQ(result, board::ResultMate) << moves;
-    EXPECT_EQ(plies, 2 * mate - 1) << moves;
+    return result;
+}
+
+// Each side plays the tables' best: the mate comes on the table's move.
+TEST(TbEngine, PlaysKbnkOutToMateAgainstItself) {
+    if (!tablesReady()) GTEST_SKIP() << "tbgen or tbcompress could not make the test tables";
+    const int mate = tableMate(Positions[2]);
+    EngineSession engine({}, {"-d" + Compressed});
+    engine.send("uci\n");
+    std::string moves;
+    EXPECT_EQ(selfPlay(engine, Positions[2], 2 * mate, moves), board::ResultMate) << moves;
+    EXPECT_EQ(std::count(moves.begin(), moves.end(), ' '), 2 * mate - 1) << moves;
 }
 
 // No table on the path: nothing is announced, and every move is legal.
 TEST(TbEngine, PlaysLegallyWithoutTables) {
     tbtest::TableDirectory empty;
-    EngineSession engine({}, {"-d" + empty.path()});
+    EngineSession engine({}, {"-d" + empty.path});
     engine.send("uci\n");
     for (const char* fen : Positions) {
-        ASSERT_EQ(board::setupFromFen(board::game, fen), 0);
         std::string moves;
-        for (int ply = 0; ply < 6 && !board::game.gameOver; ++ply) {
-            char text[8] = {};
-            const std::string move = think(engine, fen, moves, nullptr);
-            move.copy(text, 7);
-            ASSERT_GE(board::makeGameMove(board::game, board::parseCoordinateMove(text, board::game.sideToMove)), 0)
-                << fen << moves << " " << move;
-            moves += " " + move;
-        }
+        EXPECT_GE(selfPlay(engine, fen, 6, moves), 0) << fen << moves;
     }
     EXPECT_EQ(engine.finish(5000), 0);
     EXPECT_NE(engine.errorText().find("InitTb=0\n"), std::string::npos);

@@ -1,0 +1,119 @@
+// The table generator: its table bytes, its rules for a few men (moves taken
+// back must be exactly the moves made forward, or the retrograde counts go
+// wrong silently), and the tool on whole endings.
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "tbgen/material.h"
+#include "tbgen/rules.h"
+#include "tbgen/solver.h"
+#include "tbgen/values.h"
+
+namespace {
+
+using namespace tbgen;
+using namespace board;
+
+TEST(TbgenValues, BytesCountMovesAsTheProbeReadsThem) {
+    std::int8_t byte = 0;
+    const struct {
+        int score;
+        int byte;
+    } cases[] = {
+        {scoreOfWin(1), 126},      {scoreOfWin(3), 125},    {scoreOfWin(251), 1},
+        {scoreOfWin(253), -128},   {scoreOfLoss(0), -126},  {scoreOfLoss(2), -125},
+        {scoreOfLoss(250), -1},    {scoreOfLoss(252), -127}, {0, 0},
+    };
+    for (const auto& c : cases) {
+        ASSERT_TRUE(byteOfScore(c.score, byte)) << c.score;
+        EXPECT_EQ(byte, c.byte) << c.score;
+    }
+    EXPECT_FALSE(byteOfScore(scoreOfWin(255), byte));
+    EXPECT_FALSE(byteOfScore(scoreOfLoss(254), byte));
+    for (int b = -128; b < 127; ++b) {
+        ASSERT_TRUE(byteOfScore(scoreOfByte(std::int8_t(b)), byte)) << b;
+        EXPECT_EQ(byte, b);
+    }
+    EXPECT_EQ(scoreOfByte(127), NoScore);
+}
+
+// Squares by man for a material from a list such as {E1, E8, E5, D5}.
+struct Placed {
+    Material material;
+    int squares[MaxMen];
+};
+Placed place(const char* name, std::initializer_list<int> squares) {
+    Placed placed{};
+    materialOfName(name, placed.material);
+    int m = 0;
+    for (const int sq : squares) placed.squares[m++] = sq;
+    return placed;
+}
+
+bool hasMove(const GenMove* list, int count, int from, int to, bool enPassant = false) {
+    for (int i = 0; i < count; ++i)
+        if (list[i].from == from && list[i].to == to && list[i].enPassant == enPassant) return true;
+    return false;
+}
+
+TEST(TbgenRules, EnPassantNeedsTheRightAndASafeKing) {
+    initRules();
+    GenMove list[MaxGenMoves];
+    // Black has just played d7-d5 beside the pawn on e5.
+    const Placed open = place("kpkp", {A1, H8, E5, D5});
+    EXPECT_TRUE(hasMove(list, generateMoves(open.material, open.squares, White, D6, list), E5, D6, true));
+    EXPECT_FALSE(hasMove(list, generateMoves(open.material, open.squares, White, -1, list), E5, D6, true));
+    // Both pawns leave the fifth rank: the rook on h5 would then hit the king on a5.
+    const Placed pinned = place("kpkrp", {A5, H8, E5, H5, D5});
+    EXPECT_FALSE(hasMove(list, generateMoves(pinned.material, pinned.squares, White, D6, list), E5, D6, true));
+    // A pawn on the seventh promotes four ways, capturing or not.
+    const Placed promoting = place("kpkn", {A1, H1, G7, H8});
+    const int count = generateMoves(promoting.material, promoting.squares, White, -1, list);
+    int promotions = 0;
+    for (int i = 0; i < count; ++i) promotions += list[i].promotion != NoType;
+    EXPECT_EQ(promotions, 8);
+}
+
+TEST(TbgenRules, MovesTakenBackAreExactlyTheMovesMade) {
+    initRules();
+    std::mt19937 random(20240611);
+    for (const char* name : {"kpkp", "kqpkp", "kppkp", "krkb", "knnk", "kbpkn"}) {
+        Material material;
+        ASSERT_TRUE(materialOfName(name, material));
+        for (int trial = 0, tested = 0; tested < 3000 && trial < 100000; ++trial) {
+            int squares[MaxMen];
+            for (int m = 0; m < material.count; ++m) squares[m] = int(random() % 64);
+            const int stm = int(random() % 2);
+            if (!isLegal(material, squares, stm)) continue;
+            ++tested;
+            // Forward: every quiet move is found again from where it leads,
+            // except a double step that gives an en passant right.
+            GenMove list[MaxGenMoves];
+            const int count = generateMoves(material, squares, stm, -1, list);
+            for (int i = 0; i < count; ++i) {
+                const GenMove& move = list[i];
+                if (move.captured != NoMan || move.promotion != NoType) continue;
+                int after[MaxMen];
+                std::copy(squares, squares + material.count, after);
+                after[move.man] = move.to;
+                int found = 0;
+                forEachUnmove(material, after, stm ^ 1, [&](int man, int from) { found += man == move.man && from == move.from; });
+                const int expected = isDoubleStepWithCapturer(material, after, move.man, move.from, move.to) ? 0 : 1;
+                ASSERT_EQ(found, expected) << name << " move " << int(move.from) << "-" << int(move.to);
+            }
+            // Backward: every position taken back has the move forward.
+            forEachUnmove(material, squares, stm, [&](int man, int from) {
+                int before[MaxMen];
+                std::copy(squares, squares + material.count, before);
+                before[man] = from;
+                ASSERT_TRUE(isLegal(material, before, stm ^ 1)) << name;
+                GenMove back[MaxGenMoves];
+                EXPECT_TRUE(hasMove(back, generateMoves(material, before, stm ^ 1, -1, back), from, squares[man]))
+                    << name << " unmove " << squares[man] << "-" << from;
+            });
+        }
+    }
+}
+
+}  // namespace

@@ -3,12 +3,16 @@
 // wrong silently), and the tool on whole endings.
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <filesystem>
 #include <random>
 
+#include "tablebase/index.h"
+#include "tablefiles.h"
 #include "tbgen/material.h"
 #include "tbgen/rules.h"
-#include "tbgen/solver.h"
 #include "tbgen/values.h"
+#include "tbgenrun.h"
 
 namespace {
 
@@ -114,6 +118,45 @@ TEST(TbgenRules, MovesTakenBackAreExactlyTheMovesMade) {
             });
         }
     }
+}
+
+// The longest win with the row's first side to move, as the tool prints it.
+int longestWin(const std::string& printed, const char* name) {
+    const std::string head = std::string(name) + " side 0: longest win ";
+    const std::size_t at = printed.find(head);
+    return at == std::string::npos ? -1 : std::atoi(printed.c_str() + at + head.size());
+}
+
+TEST(TbgenTool, LongestMatesFileSizesAndTheOneMoveCheck) {
+    tbtest::TableDirectory dir;
+    int status = -1;
+    const std::string printed = tbtest::runTbgen("--dir " + dir.path() + " kpk kbnk kqkr", &status);
+    ASSERT_EQ(status, 0) << printed;
+    // kbnk and kqkr need the three-man tables of their captures first.
+    const struct {
+        const char* name;
+        int moves;
+    } longest[] = {{"kqk", 10}, {"krk", 16}, {"kpk", 28}, {"kbnk", 33}, {"kqkr", 35}};
+    for (const auto& row : longest) {
+        EXPECT_EQ(longestWin(printed, row.name), row.moves) << row.name;
+        for (int side = 0; side < 2; ++side) {
+            const std::string file = dir.file(std::string(row.name) + (side ? ".nbb" : ".nbw"));
+            EXPECT_EQ(std::filesystem::file_size(file), tablebase::tbPositions(tablebase::tbRowId(row.name), side)) << file;
+        }
+    }
+    EXPECT_EQ(tbtest::runTbgen("--dir " + dir.path() + " --verify kqk kpk", &status), "kqk verified\nkpk verified\n");
+    EXPECT_EQ(status, 0);
+
+    // A mate in 1 turned into a mate in 2 is caught from both sides of the move.
+    std::FILE* file = std::fopen(dir.file("kpk.nbw").c_str(), "r+b");
+    ASSERT_NE(file, nullptr);
+    long index = 0;
+    for (int byte; (byte = std::fgetc(file)) != 126; ++index) ASSERT_NE(byte, EOF);
+    std::fseek(file, index, SEEK_SET);
+    std::fputc(125, file);
+    std::fclose(file);
+    EXPECT_NE(tbtest::runTbgen("--dir " + dir.path() + " --verify kpk", &status).find("kpk: "), std::string::npos);
+    EXPECT_NE(status, 0);
 }
 
 }  // namespace

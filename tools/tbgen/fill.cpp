@@ -1,7 +1,7 @@
 // Writing a solution through the probe's index. Positions that the index
-// folds together (mirror images, men of one type swapped) land on one byte;
-// they must agree, which checks the generator and the index against each
-// other on every position.
+// folds together (images under the board's symmetries, men of one type
+// swapped) land on one byte; they must agree, which checks the generator and
+// the index against each other on every position.
 
 #include "tbgen/fill.h"
 
@@ -52,16 +52,26 @@ bool fillTables(const Solution& solution, std::array<std::vector<std::int8_t>, 2
         noteScore(extremes[side], score);
     };
 
+    // Every image of a position is written: the index folds them by the
+    // mover's king, not by the white king, and leaves a few apart.
+    const Layout& layout = solution.layout;
+    auto storeImages = [&](int stm, const int* squares, int epSquare, int score) {
+        int image[MaxMen];
+        for (int t = 0; t < layout.symmetries; ++t) {
+            for (int m = 0; m < material.count; ++m) image[m] = transformSquare(t, squares[m]);
+            store(stm, image, epSquare < 0 ? -1 : transformSquare(t, epSquare), score);
+        }
+    };
     int squares[MaxMen];
     for (int stm = 0; stm < 2; ++stm)
-        for (std::uint32_t position = 0; position < solution.size; ++position) {
+        for (std::uint32_t position = 0; position < layout.size; ++position) {
             if (solution.moves[stm][position] == NoLegalPosition) continue;
-            squaresOf(position, material.count, squares);
-            store(stm, squares, -1, scoreOfDistance(solution.distance[stm][position]));
+            squaresOf(layout, position, squares);
+            storeImages(stm, squares, -1, scoreOfDistance(solution.distance[stm][position]));
         }
     for (const EpNode& node : solution.epNodes) {
-        squaresOf(node.position, material.count, squares);
-        store(node.side, squares, node.epSquare, scoreOfDistance(node.distance));
+        squaresOf(layout, node.position, squares);
+        storeImages(node.side, squares, node.epSquare, scoreOfDistance(node.distance));
     }
     if (outside != 0 || clashes != 0)
         std::fprintf(stderr, "tbgen: %s: %ld positions outside the tables, %ld clashes\n", name, outside, clashes);

@@ -39,21 +39,6 @@ std::uint64_t stepMask(int sq, const int (*steps)[2], int count) {
     return mask;
 }
 
-// Does the man on `from` attack `target`, the board occupied as given?
-bool attacks(Man man, int from, int target, std::uint64_t occupied) {
-    switch (man.type) {
-        case board::King: return kingSteps[from] & bit(target);
-        case board::Knight: return knightSteps[from] & bit(target);
-        case board::WhitePawn:
-        case board::BlackPawn: return pawnCaptures[man.colour][from] & bit(target);
-        default: {
-            const int kind = lineKindOf[from][target];
-            if (kind == 0 || (between[from][target] & occupied)) return false;
-            return man.type == board::Queen || (man.type == board::Rook) == (kind == LineStraight);
-        }
-    }
-}
-
 std::uint64_t occupancy(const Material& material, const int* squares) {
     std::uint64_t occupied = 0;
     for (int m = 0; m < material.count; ++m) occupied |= bit(squares[m]);
@@ -67,6 +52,32 @@ int manOn(const Material& material, const int* squares, int sq) {
 }
 
 }  // namespace
+
+bool manAttacks(Man man, int from, int target, std::uint64_t occupied) {
+    switch (man.type) {
+        case board::King: return kingSteps[from] & bit(target);
+        case board::Knight: return knightSteps[from] & bit(target);
+        case board::WhitePawn:
+        case board::BlackPawn: return pawnCaptures[man.colour][from] & bit(target);
+        default: {
+            const int kind = lineKindOf[from][target];
+            if (kind == 0 || (between[from][target] & occupied)) return false;
+            return man.type == board::Queen || (man.type == board::Rook) == (kind == LineStraight);
+        }
+    }
+}
+
+std::uint64_t sliderLines(const Material& material, const int* squares, int target, int by) {
+    std::uint64_t lines = 0;
+    for (int m = 0; m < material.count; ++m) {
+        const Man man = material.men[m];
+        if (man.colour != by || man.type < board::Queen || man.type > board::Bishop) continue;
+        const int kind = lineKindOf[target][squares[m]];
+        if (kind != 0 && (man.type == board::Queen || (man.type == board::Rook) == (kind == LineStraight)))
+            lines |= between[target][squares[m]];
+    }
+    return lines;
+}
 
 void initRules() {
     if (initialised) return;
@@ -99,7 +110,7 @@ void initRules() {
 bool isAttacked(const Material& material, const int* squares, std::uint64_t occupied, int target, int by,
                 int ignored) {
     for (int m = 0; m < material.count; ++m)
-        if (m != ignored && material.men[m].colour == by && attacks(material.men[m], squares[m], target, occupied))
+        if (m != ignored && material.men[m].colour == by && manAttacks(material.men[m], squares[m], target, occupied))
             return true;
     return false;
 }
@@ -157,14 +168,7 @@ int generateMoves(const Material& material, const int* squares, int stm, int epS
     // Out of check, a man off every line from its king to an enemy slider
     // can't expose the king: its moves need no test.
     const bool checked = isAttacked(material, squares, occupied, squares[ownKing], stm ^ 1);
-    std::uint64_t pinLines = 0;
-    for (int m = 0; m < material.count; ++m) {
-        const Man enemy = material.men[m];
-        if (enemy.colour == stm || enemy.type < board::Queen || enemy.type > board::Bishop) continue;
-        const int kind = lineKindOf[squares[ownKing]][squares[m]];
-        if (kind != 0 && (enemy.type == board::Queen || (enemy.type == board::Rook) == (kind == LineStraight)))
-            pinLines |= between[squares[ownKing]][squares[m]];
-    }
+    const std::uint64_t pinLines = sliderLines(material, squares, squares[ownKing], stm ^ 1);
     int count = 0;
     int after[MaxMen];
     for (int m = 0; m < material.count; ++m) after[m] = squares[m];

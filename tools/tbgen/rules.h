@@ -48,6 +48,12 @@ void initRules();
 bool isAttacked(const Material& material, const int* squares, std::uint64_t occupied, int target, int by,
                 int ignored = NoMan);
 
+// Whether one man on `from` attacks `target`, the board occupied as given.
+bool manAttacks(Man man, int from, int target, std::uint64_t occupied);
+// The squares between `target` and every slider of colour `by` on a line
+// with it, whatever stands there: a man leaving one of them may open a line.
+std::uint64_t sliderLines(const Material& material, const int* squares, int target, int by);
+
 // Whether the squares form a position with `stm` to move: distinct squares,
 // no pawn on its first or last rank, the side not to move not in check.
 bool isLegal(const Material& material, const int* squares, int stm);
@@ -95,11 +101,22 @@ void forEachUnmove(const Material& material, const int* squares, int stm, Visit&
     for (int m = 0; m < material.count; ++m) earlier[m] = squares[m];
 
     // The side now to move must not have been in check before the move.
+    // Unless it is in check now, or the man stood on a line from its king
+    // to a slider, only the man itself can have given that check.
+    const int king = squares[material.king[stm]];
+    const bool checked = isAttacked(material, squares, occupied, king, mover);
+    const std::uint64_t lines = sliderLines(material, squares, king, mover);
     auto tryFrom = [&](int man, int from) {
-        earlier[man] = from;
         const std::uint64_t before = (occupied & ~bit(squares[man])) | bit(from);
-        if (!isAttacked(material, earlier, before, earlier[material.king[stm]], mover)) visit(man, from);
-        earlier[man] = squares[man];
+        bool attacked;
+        if (!checked && !(lines & bit(squares[man]))) {
+            attacked = manAttacks(material.men[man], from, king, before);
+        } else {
+            earlier[man] = from;
+            attacked = isAttacked(material, earlier, before, king, mover);
+            earlier[man] = squares[man];
+        }
+        if (!attacked) visit(man, from);
     };
     auto stepsBack = [&](int man, std::uint64_t steps) {
         for (std::uint64_t free = steps & ~occupied; free; free &= free - 1) tryFrom(man, __builtin_ctzll(free));

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdio>
+#include <cstring>
 
 #include "tablebase/index.h"
 #include "tbgen/parallel.h"
@@ -108,7 +109,7 @@ struct Solver {
     // `plies`: lost, unless a move out of it holds the draw.
     void exhaust(int side, std::uint32_t position, int plies) {
         int squares[MaxMen];
-        squaresOf(position, men, squares);
+        squaresOf(s.layout, position, squares);
         GenMove list[MaxGenMoves];
         const int count = generateMoves(s.material, squares, side, -1, list);
         const int best = bestExit(list, count, squares, side);
@@ -118,17 +119,33 @@ struct Solver {
             decide(side, position, std::max(plies, pliesOf(best)));
     }
 
+    // Without pawns two moves, or two moves taken back, can lead to images
+    // of one position; each family counts once on both ends.
+    int distinct(std::uint32_t* positions, int count) const {
+        if (s.layout.symmetries == 2 || count < 2) return count;
+        std::sort(positions, positions + count);
+        return int(std::unique(positions, positions + count) - positions);
+    }
+
     void initialise(int side, std::uint32_t position) {
         int squares[MaxMen];
-        squaresOf(position, men, squares);
-        if (!isLegal(s.material, squares, side)) {
+        squaresOf(s.layout, position, squares);
+        if (positionOf(s.layout, squares) != position || !isLegal(s.material, squares, side)) {
             s.moves[side][position] = NoLegalPosition;
             return;
         }
         GenMove list[MaxGenMoves];
         const int count = generateMoves(s.material, squares, side, -1, list);
+        std::uint32_t next[MaxGenMoves];
         int inside = 0;
-        for (int i = 0; i < count; ++i) inside += !leaves(list[i]);
+        for (int i = 0; i < count; ++i) {
+            if (leaves(list[i])) continue;
+            const int from = squares[list[i].man];
+            squares[list[i].man] = list[i].to;
+            next[inside++] = positionOf(s.layout, squares);
+            squares[list[i].man] = from;
+        }
+        inside = distinct(next, inside);
         s.moves[side][position] = std::uint8_t(inside);
         if (count == 0) {
             if (inCheck(s.material, squares, side)) decide(side, position, 0);
@@ -160,11 +177,17 @@ struct Solver {
 
     void takeBack(int side, std::uint32_t position, int level) {
         int squares[MaxMen];
-        squaresOf(position, men, squares);
+        squaresOf(s.layout, position, squares);
+        std::uint32_t before[MaxGenMoves];
+        int count = 0;
         forEachUnmove(s.material, squares, side, [&](int man, int from) {
-            const std::uint32_t before = position ^ (std::uint32_t(squares[man] ^ from) << (6 * man));
-            reached(side ^ 1, before, level);
+            const int to = squares[man];
+            squares[man] = from;
+            before[count++] = positionOf(s.layout, squares);
+            squares[man] = to;
         });
+        count = distinct(before, count);
+        for (int i = 0; i < count; ++i) reached(side ^ 1, before[i], level);
     }
 
     void collectEpNodes();
@@ -176,10 +199,10 @@ struct Solver {
 // just have stepped twice past an enemy pawn.
 void Solver::collectEpNodes() {
     for (int side = 0; side < 2; ++side)
-        for (std::uint32_t position = 0; position < s.size; ++position) {
+        for (std::uint32_t position = 0; position < s.layout.size; ++position) {
             if (s.moves[side][position] == NoLegalPosition) continue;
             int squares[MaxMen];
-            squaresOf(position, men, squares);
+            squaresOf(s.layout, position, squares);
             int steppers[MaxMen];
             const int count = doubleSteppers(s.material, squares, side, steppers);
             for (int i = 0; i < count; ++i) {
@@ -192,7 +215,7 @@ void Solver::collectEpNodes() {
                     if (list[k].enPassant) node.capture = std::int16_t(std::max<int>(node.capture, exitScore(list[k], squares, side)));
                 if (node.capture != NoScore && node.capture != 0) reach(pliesOf(node.capture));
                 squares[man] = from;
-                if (isLegal(s.material, squares, side ^ 1)) node.before = positionOf(squares, men);
+                if (isLegal(s.material, squares, side ^ 1)) node.before = positionOf(s.layout, squares);
                 squares[man] = to;
                 s.epNodes.push_back(node);
             }
@@ -229,13 +252,13 @@ void Solver::settleEpNodes(int level, std::vector<std::size_t>& settled) {
 }
 
 void Solver::run() {
-    s.size = std::uint32_t(1) << (6 * men);
+    s.layout = layoutOf(s.material);
     for (int side = 0; side < 2; ++side) {
-        s.distance[side].assign(s.size, 0);
-        s.moves[side].assign(s.size, 0);
+        s.distance[side].assign(s.layout.size, 0);
+        s.moves[side].assign(s.layout.size, 0);
     }
     for (int side = 0; side < 2; ++side)
-        parallelFor(s.size, [&](std::uint32_t begin, std::uint32_t end) {
+        parallelFor(s.layout.size, [&](std::uint32_t begin, std::uint32_t end) {
             for (std::uint32_t position = begin; position < end; ++position) initialise(side, position);
         });
     bool pawns[2] = {false, false};
@@ -250,9 +273,10 @@ void Solver::run() {
         // Taking back from one side writes only the other side's bytes.
         for (int side = 0; side < 2; ++side) {
             const std::uint8_t* distance = s.distance[side].data();
-            parallelFor(s.size, [&](std::uint32_t begin, std::uint32_t end) {
-                for (std::uint32_t position = begin; position < end; ++position)
-                    if (distance[position] == mark) takeBack(side, position, level);
+            parallelFor(s.layout.size, [&](std::uint32_t begin, std::uint32_t end) {
+                for (const std::uint8_t* at = distance + begin;
+                     (at = static_cast<const std::uint8_t*>(std::memchr(at, mark, distance + end - at))) != nullptr; ++at)
+                    takeBack(side, std::uint32_t(at - distance), level);
             });
         }
         for (const std::size_t i : settled)

@@ -1,6 +1,6 @@
 #pragma once
-// Retrograde solution of one ending. Every placement of the men is a
-// position of a dense array (64 squares per man, both sides to move), and
+// Retrograde solution of one ending. Every position, up to the board's
+// symmetries, has a place in a dense array (both sides to move), and
 // distances to mate grow level by level: a position lost in p plies makes
 // every position that can move into it won in p + 1, and a position whose
 // moves are all refuted is lost. Moves that leave the ending (captures,
@@ -14,16 +14,17 @@
 #include <vector>
 
 #include "tbgen/rules.h"
+#include "tbgen/symmetry.h"
 #include "tbgen/tableset.h"
 
 namespace tbgen {
 
 constexpr std::uint32_t NoPosition = 0xffffffff;
-constexpr std::uint8_t NoLegalPosition = 255;  // in `moves`: not a legal position
+constexpr std::uint8_t NoLegalPosition = 255;  // in `moves`: no legal position has that number
 
 // A position with an en passant right.
 struct EpNode {
-    std::uint32_t position;  // the same placement in the dense array
+    std::uint32_t position;  // the same men in the dense array
     std::uint32_t before;  // the position before the double step, or NoPosition
     std::int16_t capture;  // best value of the captures en passant; NoScore when none is legal
     std::int8_t side;  // the side to move, which may capture
@@ -35,23 +36,16 @@ struct EpNode {
 struct Solution {
     int rowId = 0;
     Material material;
-    std::uint32_t size = 0;  // 64 to the power of the men
+    Layout layout;
     // By side to move and position: plies to the mate + 1, 0 for a draw.
     std::vector<std::uint8_t> distance[2];
-    // Moves within the ending not yet refuted; NoLegalPosition for squares
-    // that are no legal position.
+    // Positions within the ending that the moves lead to (each family of
+    // images once) not yet refuted; NoLegalPosition for numbers that are
+    // no legal position.
     std::vector<std::uint8_t> moves[2];
     std::vector<EpNode> epNodes;
 };
 
-inline std::uint32_t positionOf(const int* squares, int count) {
-    std::uint32_t position = 0;
-    for (int m = count - 1; m >= 0; --m) position = (position << 6) | std::uint32_t(squares[m]);
-    return position;
-}
-inline void squaresOf(std::uint32_t position, int count, int* squares) {
-    for (int m = 0; m < count; ++m) squares[m] = int((position >> (6 * m)) & 63);
-}
 // The value of a stored distance for the side to move.
 int scoreOfDistance(std::uint8_t distance);
 

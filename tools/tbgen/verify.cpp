@@ -8,7 +8,7 @@
 
 #include "tablebase/index.h"
 #include "tbgen/parallel.h"
-#include "tbgen/solver.h"
+#include "tbgen/symmetry.h"
 #include "tbgen/values.h"
 
 namespace tbgen {
@@ -78,7 +78,7 @@ long verifyRow(int rowId, const TableSet& tables) {
     parallelFor(std::uint32_t(1) << (6 * men), [&](std::uint32_t begin, std::uint32_t end) {
         int squares[MaxMen], steppers[MaxMen];
         for (std::uint32_t position = begin; position < end; ++position) {
-            squaresOf(position, men, squares);
+            squaresOfPlacement(position, men, squares);
             for (int stm = 0; stm < 2; ++stm) {
                 if (!isLegal(verifier.material, squares, stm)) continue;
                 verifier.check(squares, stm, -1);

@@ -8,6 +8,7 @@
 #include <random>
 
 #include "tablebase/index.h"
+#include "tablebase/probe.h"
 #include "tablefiles.h"
 #include "tbgen/material.h"
 #include "tbgen/rules.h"
@@ -118,6 +119,66 @@ TEST(TbgenRules, MovesTakenBackAreExactlyTheMovesMade) {
             });
         }
     }
+}
+
+// Positions of every row, either colour holding the row's first side, with
+// and without an en passant right: the generator must write each where the
+// engine's probe will read it, equal sides and swapped colours included.
+TEST(TbgenMaterial, WritesWhereTheProbeReads) {
+    initRules();
+    tablebase::tbMarkAllPresent();
+    std::mt19937 random(7);
+    for (int row = 1; row < tablebase::TbRowCount; ++row) {
+        Material material;
+        ASSERT_TRUE(materialOfRow(row, material)) << row;
+        // Rows with a pawn on each side also get positions right after a double step.
+        int pawnColours = 0;
+        for (int m = 0; m < material.count; ++m)
+            pawnColours |= material.men[m].type == WhitePawn ? 1 : material.men[m].type == BlackPawn ? 2 : 0;
+        for (int tested = 0, withEp = pawnColours == 3 ? 0 : 10; tested < 40 || withEp < 10;) {
+            int squares[MaxMen], steppers[MaxMen];
+            for (int m = 0; m < material.count; ++m) squares[m] = int(random() % 64);
+            const int stm = int(random() % 2);
+            if (!isLegal(material, squares, stm)) continue;
+            const int stepper = doubleSteppers(material, squares, stm, steppers) > 0 ? steppers[0] : NoMan;
+            if (stepper == NoMan && tested >= 40) continue;
+            ++tested;
+            withEp += stepper != NoMan;
+            const bool swapped = random() % 2;
+            // The board as the engine holds it, colours exchanged and turned over if swapped.
+            Material onBoard = material;
+            int boardSquares[MaxMen];
+            std::int32_t pieceSquare[PieceIdCount], pieceType[PieceIdCount + 1];
+            std::fill(pieceSquare, pieceSquare + PieceIdCount, NoSquare);
+            std::fill(pieceType, pieceType + PieceIdCount + 1, NoType);
+            int next[2] = {1, BlackIdBase + 1};
+            for (int m = 0; m < material.count; ++m) {
+                Man& man = onBoard.men[m];
+                man.colour = std::int8_t(man.colour ^ int(swapped));
+                if (man.type == WhitePawn || man.type == BlackPawn) man.type = std::int8_t(pawnTypeOf(Color(man.colour)));
+                if (man.type == King) onBoard.king[man.colour] = m;
+                boardSquares[m] = swapped ? flipRank(squares[m]) : squares[m];
+                const int id = man.type == King ? idBase(Color(man.colour)) : next[man.colour]++;
+                pieceSquare[id] = boardSquares[m];
+                pieceType[id] = man.type;
+            }
+            const int boardStm = stm ^ int(swapped);
+            int epSquare = stepper == NoMan ? -1 : passedSquare(material.men[stepper], squares[stepper]);
+            if (swapped && epSquare >= 0) epSquare = flipRank(epSquare);
+
+            TableMap map;
+            ASSERT_TRUE(mapMaterial(onBoard, map));
+            tablebase::tbCountPieces(pieceSquare, pieceType);
+            tablebase::tbBuildLists(pieceSquare, pieceType);
+            tablebase::TbTarget target{};
+            ASSERT_TRUE(tablebase::tbLocate(boardStm, epSquare, target));
+            EXPECT_EQ(map.rowId, target.rowId);
+            EXPECT_EQ(tableSide(map, boardStm), target.side) << tablebase::tbRowName(row);
+            EXPECT_EQ(tableIndex(map, onBoard, boardSquares, boardStm, epSquare), target.index)
+                << tablebase::tbRowName(row) << (swapped ? " swapped" : "") << " ep " << epSquare;
+        }
+    }
+    tablebase::tbShutdown();
 }
 
 // The longest win with the row's first side to move, as the tool prints it.

@@ -21,7 +21,7 @@ protected:
     void SetUp() override {
         writeRow(dir, "kqkr", 0);
         writeRow(dir, "kqkr", 1, 3);
-        ASSERT_EQ(initTables(dir.path), 4);
+        ASSERT_EQ(initTables(dir.path()), 4);
         ASSERT_EQ(tbCacheEntries, 126);
     }
     void TearDown() override { tbShutdown(); }
@@ -70,7 +70,7 @@ TEST_F(TbCache, VanishedFileTurnsItsTableOff) {
     EXPECT_EQ(tbRows[row].path[0][0], '\0');
     std::filesystem::rename(dir.file("away"), dir.file("kqkr.nbw"));
     EXPECT_EQ(tbRows[row].path[0][0], '\0');
-    EXPECT_EQ(initTables(dir.path), 4);
+    EXPECT_EQ(initTables(dir.path()), 4);
     EXPECT_TRUE(loads(0));
 }
 

@@ -136,7 +136,7 @@ TEST(TbEngine, PlaysKbnkOutToMateAgainstItself) {
 // No table on the path: nothing is announced, and every move is legal.
 TEST(TbEngine, PlaysLegallyWithoutTables) {
     tbtest::TableDirectory empty;
-    EngineSession engine({}, {"-d" + empty.path});
+    EngineSession engine({}, {"-d" + empty.path()});
     engine.send("uci\n");
     for (const char* fen : Positions) {
         std::string moves;

@@ -40,7 +40,7 @@ TbTarget located(const char* fen, int side, int ep = -1) {
 TEST_F(TbProbe, BytesBecomeDistancesToMate) {
     writeRow(dir, "kqk", 0);
     writeRow(dir, "kppkp", 1, 0, true);
-    ASSERT_EQ(initTables(dir.path), 5);
+    ASSERT_EQ(initTables(dir.path()), 5);
     const struct {
         int byte, value;
     } cases[] = {{0, 0}, {1, 32641}, {126, 32766}, {127, TbUnknown}, {-1, -32641}, {-126, -32766}, {-127, -32640}, {-128, 32640}};
@@ -55,7 +55,7 @@ TEST_F(TbProbe, BytesBecomeDistancesToMate) {
 // Either colour may hold the queen; the table's first side is the queen's.
 TEST_F(TbProbe, ColoursFindTheirTableSide) {
     writeRow(dir, "kqk", 0);
-    ASSERT_EQ(initTables(dir.path), 3);
+    ASSERT_EQ(initTables(dir.path()), 3);
     const TbTarget white = located("8/8/8/8/8/2k5/8/K6Q w - - 0 1", 0);
     EXPECT_EQ(white.rowId, tbRowId("kqk"));
     EXPECT_EQ(white.side, 0);

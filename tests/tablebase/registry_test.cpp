@@ -33,16 +33,16 @@ void initReportingOnStderr(const std::string& pathList) {
 
 TEST_F(TbRegistry, MenFollowTheHighestRowFound) {
     std::string printed;
-    EXPECT_EQ(initTables(dir.path, &printed), 0);
-    EXPECT_EQ(printed, "TbPath=<" + dir.path + ">\nInitTb=0\n");
+    EXPECT_EQ(initTables(dir.path(), &printed), 0);
+    EXPECT_EQ(printed, "TbPath=<" + dir.path() + ">\nInitTb=0\n");
     writeRow(dir, "kqkr", 0);
-    EXPECT_EQ(initTables(dir.path), 4);
+    EXPECT_EQ(initTables(dir.path()), 4);
     EXPECT_EQ(pathOf("kqkr", 0), dir.file("kqkr.nbw"));
     EXPECT_EQ(pathOf("kqkr", 1), "");
 
     writeRow(other, "kqqkq", 1, 0, true);
     writeTable(other.file("kqqqk.nbw"), 1000);  // no such row: never looked at
-    EXPECT_EQ(initTables(other.path), 5);
+    EXPECT_EQ(initTables(other.path()), 5);
     EXPECT_EQ(pathOf("kqkr", 0), "");  // the old list is forgotten
 }
 
@@ -53,13 +53,13 @@ TEST_F(TbRegistry, PathListIsSearchedInOrder) {
     writeRow(dir, "kqk", 0, 1);
     writeRow(other, "kqk", 0, 2);
     writeRow(other, "kpk", 1);
-    EXPECT_EQ(initTables(std::string(250, 'x') + ";" + other.path + "," + dir.path), 3);
+    EXPECT_EQ(initTables(std::string(250, 'x') + ";" + other.path() + "," + dir.path()), 3);
     EXPECT_EQ(pathOf("kqk", 0), other.file("kqk.nbw"));
-    EXPECT_EQ(initTables(dir.path + ";;" + other.path), 3);
+    EXPECT_EQ(initTables(dir.path() + ";;" + other.path()), 3);
     EXPECT_EQ(pathOf("kqk", 0), dir.file("kqk.nbw"));
 
     char previous[4096];
-    ASSERT_TRUE(getcwd(previous, sizeof previous) && chdir(other.path.c_str()) == 0);
+    ASSERT_TRUE(getcwd(previous, sizeof previous) && chdir(other.path().c_str()) == 0);
     std::string printed;
     const int men = initTables("", &printed);
     ASSERT_EQ(chdir(previous), 0);
@@ -73,18 +73,18 @@ TEST_F(TbRegistry, PathListIsSearchedInOrder) {
 TEST_F(TbRegistry, NamesAreTriedInOrderAndBadFilesStop) {
     writeRow(dir, "kpk", 0);
     writeTable(dir.file("kpk.nbw.emd"), 100);  // never read
-    EXPECT_EQ(initTables(dir.path), 3);
+    EXPECT_EQ(initTables(dir.path()), 3);
     EXPECT_EQ(pathOf("kpk", 0), dir.file("kpk.nbw"));
 
     writeTable(other.file("kpk.nbw.emd"), 100);
     writeTable(other.file("kpknbw.emd"), 100);
-    EXPECT_EXIT(initReportingOnStderr(other.path), testing::ExitedWithCode(1),
+    EXPECT_EXIT(initReportingOnStderr(other.path()), testing::ExitedWithCode(1),
                 "\\*\\*\\* Unable to read .*/kpk\\.nbw\\.emd - read error");
     std::filesystem::remove(other.file("kpk.nbw.emd"));
-    EXPECT_EXIT(initReportingOnStderr(other.path), testing::ExitedWithCode(1),
+    EXPECT_EXIT(initReportingOnStderr(other.path()), testing::ExitedWithCode(1),
                 "\\*\\*\\* Unable to read .*/kpknbw\\.emd - read error");
     writeTable(dir.file("krk.nbb"), tbPositions(tbRowId("krk"), 1) - 1);
-    EXPECT_EXIT(initReportingOnStderr(dir.path), testing::ExitedWithCode(1), "\\*\\*\\* .*/krk\\.nbb corrupted\n");
+    EXPECT_EXIT(initReportingOnStderr(dir.path()), testing::ExitedWithCode(1), "\\*\\*\\* .*/krk\\.nbb corrupted\n");
 }
 
 // A compressed table reads the bytes of the plain one it was made from.
@@ -97,7 +97,7 @@ TEST_F(TbRegistry, CompressedTablesReadThroughTheCache) {
     std::FILE* f = std::fopen(dir.file("kqknbw.emd").c_str(), "wb");
     ASSERT_TRUE(f && std::fwrite(packed.data(), 1, packed.size(), f) == packed.size());
     std::fclose(f);
-    ASSERT_EQ(initTables(dir.path), 3);
+    ASSERT_EQ(initTables(dir.path()), 3);
     for (std::uint32_t i : {0u, 8191u, 8192u, 20000u, size - 1})
         EXPECT_EQ(tbFetchByte(kqk, 0, i), std::int8_t(testByte(i, 5))) << i;
 }

@@ -15,10 +15,14 @@
 
 namespace tbtest {
 
-struct TableDirectory {
-    std::string path = mkdtemp((testing::TempDir() + "/tables_XXXXXX").data());
-    ~TableDirectory() { std::filesystem::remove_all(path); }
-    std::string file(const std::string& name) const { return path + "/" + name; }
+class TableDirectory {
+public:
+    ~TableDirectory() { std::filesystem::remove_all(path_); }
+    const std::string& path() const { return path_; }
+    std::string file(const std::string& name) const { return path_ + "/" + name; }
+
+private:
+    std::string path_ = mkdtemp((testing::TempDir() + "/tables_XXXXXX").data());
 };
 
 // The byte a test table of `variant` holds at `index`.

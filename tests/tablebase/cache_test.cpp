@@ -87,5 +87,5 @@ TEST_F(TbCache, OutOfHandlesClosesOtherTablesAndRetries) {
         ok &= !loads(0) && loads(1) && tbRows[row].file[1] == nullptr && tbRows[row].path[1][0] != '\0';
         return ok;
     };
-    EXPECT_EXIT(std::exit(scenario() ? 0 : 2), testing::ExitedWithCode(0), "");
+    EXPECT_EXIT(_exit(scenario() ? 0 : 2), testing::ExitedWithCode(0), "");
 }

@@ -82,7 +82,8 @@ TEST_F(TbProbe, MenAreCountedByTheirPresentType) {
     EXPECT_EQ(describe("7k/8/8/8/8/4pp2/8/KRRQ4 w - - 0 1"), 5);
     EXPECT_FALSE(tbLocate(0, -1, t));
 
-    // kpkp is read with its colours exchanged, White to move as side 1.
+    // The same men on both sides: read with the colours exchanged, White to
+    // move as side 1.
     t = located("4k3/8/8/3pP3/8/8/8/4K3 w - d6 0 1", 0, board::D6);
     EXPECT_EQ(t.rowId, tbRowId("kpkp"));
     EXPECT_EQ(t.side, 1);

@@ -1,13 +1,11 @@
 // Finding the table files: which names are tried and in what order, which
-// directory wins, what the set-up reports, how it stops on a bad file, and
-// how the material of a position finds its row.
+// directory wins, what the set-up reports, and how it stops on a bad file.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <vector>
 
 #include "../../tools/tbcompress/compressor.h"
-#include "tablebase/probe.h"
 #include "tablefiles.h"
 
 using namespace tablebase;
@@ -100,17 +98,4 @@ TEST_F(TbRegistry, CompressedTablesReadThroughTheCache) {
     ASSERT_EQ(initTables(dir.path()), 3);
     for (std::uint32_t i : {0u, 8191u, 8192u, 20000u, size - 1})
         EXPECT_EQ(tbFetchByte(kqk, 0, i), std::int8_t(testByte(i, 5))) << i;
-}
-
-// Positive when White is the row's first side, negative when Black is, and
-// always negative for the same men on both sides.
-TEST_F(TbRegistry, SignatureTreeTellsRowAndColours) {
-    tbMarkAllPresent();
-    const int kqrkn = tbRowId("kqrkn");
-    EXPECT_EQ(tbFindRow(TbSignature{{0, 0, 0, 1, 1, 0, 1, 0, 0, 0}}), kqrkn);
-    EXPECT_EQ(tbFindRow(TbSignature{{0, 1, 0, 0, 0, 0, 0, 0, 1, 1}}), -kqrkn);
-    EXPECT_EQ(tbFindRow(TbSignature{{1, 0, 0, 0, 0, 1, 0, 0, 0, 0}}), -tbRowId("kpkp"));
-    EXPECT_EQ(tbFindRow(TbSignature{}), 0);
-    EXPECT_EQ(tbFindRow(TbSignature{{0, 0, 0, 0, 3, 0, 0, 0, 0, 0}}), 0);
-    EXPECT_EQ(tbFindRow(TbSignature{{2, 0, 0, 0, 1, 0, 0, 0, 1, 0}}), 0);  // six men
 }

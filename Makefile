@@ -34,7 +34,7 @@ test:
 test-asan:
 	@cmake -S . -B $(ASAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DMORVANE_SANITIZE=address >/dev/null
 	@cmake --build $(ASAN_BUILD) -j$(JOBS) --target morvane_tests
-	@$(ASAN_BUILD)/morvane_tests --gtest_brief=1 --gtest_filter='FrontEndFuzz*:*Transcript*:Fen*:EditPosition*:MakeUnmake*:SearchNodeTest*'
+	@$(ASAN_BUILD)/morvane_tests --gtest_brief=1 --gtest_filter='*Fuzz*:*Transcript*:Fen*:EditPosition*:MakeUnmake*:SearchNodeTest*:TbCache*:TbRegistry*:TbProbe*:TbIndexCases*:TbDecode*:TbHeader*'
 
 # The think thread against random commands, under ThreadSanitizer.
 test-tsan:

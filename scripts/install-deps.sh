@@ -9,6 +9,9 @@ command -v make >/dev/null || need+=(make)
 if [ "${1:-}" = "--test" ]; then
   # Independent move-generation oracle for the perft comparison tests.
   command -v stockfish >/dev/null || [ -x /usr/games/stockfish ] || need+=(stockfish)
+  # Independent endgame tables that the table generator is checked against.
+  [ -d /usr/share/gaviotatb/gtb1 ] || need+=(gaviotatb)
+  [ -f /usr/include/gtb-probe.h ] || need+=(libgaviotatb-dev)
 fi
 if [ ${#need[@]} -gt 0 ]; then
   echo "Installing: ${need[*]}"

@@ -1,0 +1,81 @@
+// Writing a solution through the probe's index. Positions that the index
+// folds together (images under the board's symmetries, men of one type
+// swapped) land on one byte; they must agree, which checks the generator and
+// the index against each other on every position.
+
+#include "tbgen/fill.h"
+
+#include <cstdio>
+
+#include "tablebase/index.h"
+
+namespace tbgen {
+
+namespace {
+
+// A loss in 127 moves has no byte of its own: the probe knows the few
+// indices where it occurs, and the nearest byte, a loss in 126, is stored.
+constexpr int DeepestLossPlies = 254;
+constexpr std::int8_t DeepestLossByte = -127;
+
+}  // namespace
+
+bool fillTables(const Solution& solution, std::array<std::vector<std::int8_t>, 2>& bytes, Extremes (&extremes)[2]) {
+    const Material& material = solution.material;
+    const char* name = tablebase::tbRowName(solution.rowId);
+    TableMap map;
+    if (!mapMaterial(material, map) || map.rowId != solution.rowId) {
+        std::fprintf(stderr, "tbgen: %s: the probe doesn't map this ending to its own row\n", name);
+        return false;
+    }
+    std::vector<bool> written[2];
+    for (int side = 0; side < 2; ++side) {
+        bytes[side].assign(tablebase::tbPositions(solution.rowId, side), 0);
+        written[side].assign(bytes[side].size(), false);
+        extremes[side] = Extremes{};
+    }
+    long outside = 0, clashes = 0;
+    auto store = [&](int stm, const int* squares, int epSquare, int score) {
+        const int side = tableSide(map, stm);
+        const std::uint32_t index = tableIndex(map, material, squares, stm, epSquare);
+        if (index >= bytes[side].size()) {
+            if (outside++ == 0) std::fprintf(stderr, "tbgen: %s side %d: index %u outside the table\n", name, side, index);
+            return;
+        }
+        std::int8_t byte = DeepestLossByte;
+        if (!byteOfScore(score, byte) && score != scoreOfLoss(DeepestLossPlies)) return;
+        if (written[side][index] && bytes[side][index] != byte && clashes++ == 0)
+            std::fprintf(stderr, "tbgen: %s side %d: index %u holds positions of values %d and %d\n", name, side,
+                         index, bytes[side][index], byte);
+        written[side][index] = true;
+        bytes[side][index] = byte;
+        noteScore(extremes[side], score);
+    };
+
+    // Every image of a position is written: the index folds them by the
+    // mover's king, not by the white king, and leaves a few apart.
+    const Layout& layout = solution.layout;
+    auto storeImages = [&](int stm, const int* squares, int epSquare, int score) {
+        int image[MaxMen];
+        for (int t = 0; t < layout.symmetries; ++t) {
+            for (int m = 0; m < material.count; ++m) image[m] = transformSquare(t, squares[m]);
+            store(stm, image, epSquare < 0 ? -1 : transformSquare(t, epSquare), score);
+        }
+    };
+    int squares[MaxMen];
+    for (int stm = 0; stm < 2; ++stm)
+        for (std::uint32_t position = 0; position < layout.size; ++position) {
+            if (solution.moves[stm][position] == NoLegalPosition) continue;
+            squaresOf(layout, position, squares);
+            storeImages(stm, squares, -1, scoreOfDistance(solution.distance[stm][position]));
+        }
+    for (const EpNode& node : solution.epNodes) {
+        squaresOf(layout, node.position, squares);
+        storeImages(node.side, squares, node.epSquare, scoreOfDistance(node.distance));
+    }
+    if (outside != 0 || clashes != 0)
+        std::fprintf(stderr, "tbgen: %s: %ld positions outside the tables, %ld clashes\n", name, outside, clashes);
+    return outside == 0 && clashes == 0;
+}
+
+}  // namespace tbgen

@@ -1,0 +1,94 @@
+// The one-move check of a row's tables.
+
+#include "tbgen/verify.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstdio>
+
+#include "tablebase/index.h"
+#include "tbgen/parallel.h"
+#include "tbgen/symmetry.h"
+#include "tbgen/values.h"
+
+namespace tbgen {
+
+namespace {
+
+constexpr long ReportedFaults = 5;
+
+int backedUp(int score) { return score == NoScore ? NoScore : backUp(score); }
+
+struct Verifier {
+    const TableSet& tables;
+    Material material;
+    Exit same;  // the row's own material, no man taken or promoted
+    std::atomic<long> faults{0};
+
+    // The value a move leads to, for the side that makes it.
+    int moveScore(const GenMove& move, const int* squares, int stm) {
+        Exit exit;
+        const bool promotes = move.promotion != board::NoType;
+        if (move.captured == NoMan && !promotes) {
+            int after[MaxMen];
+            std::copy(squares, squares + material.count, after);
+            after[move.man] = move.to;
+            const bool steps = isDoubleStepWithCapturer(material, after, move.man, move.from, move.to);
+            const int epSquare = steps ? passedSquare(material.men[move.man], move.to) : -1;
+            return backedUp(lookupScore(tables, same, after, stm ^ 1, epSquare));
+        }
+        if (!makeExit(material, move.captured, promotes ? move.man : NoMan, move.promotion, exit)) return NoScore;
+        int after[MaxMen];
+        for (int m = 0; m < material.count; ++m)
+            if (exit.newMan[m] != NoMan) after[exit.newMan[m]] = m == move.man ? move.to : squares[m];
+        return backedUp(lookupScore(tables, exit, after, stm ^ 1));
+    }
+
+    void check(const int* squares, int stm, int epSquare) {
+        GenMove list[MaxGenMoves];
+        const int count = generateMoves(material, squares, stm, epSquare, list);
+        int best = count == 0 && inCheck(material, squares, stm) ? scoreOfLoss(0) : count == 0 ? 0 : NoScore;
+        for (int i = 0; i < count; ++i) {
+            const int score = moveScore(list[i], squares, stm);
+            if (score == NoScore) {
+                best = NoScore;
+                break;
+            }
+            best = std::max(best, score);
+        }
+        const int stored = lookupScore(tables, same, squares, stm, epSquare);
+        if (stored == best) return;
+        if (faults.fetch_add(1) < ReportedFaults) {
+            std::fprintf(stderr, "tbgen: %s, side to move %d, en passant %d, men on", tablebase::tbRowName(same.map.rowId),
+                         stm, epSquare);
+            for (int m = 0; m < material.count; ++m) std::fprintf(stderr, " %d", squares[m]);
+            std::fprintf(stderr, ": stored %d, moves give %d\n", stored, best);
+        }
+    }
+};
+
+}  // namespace
+
+long verifyRow(int rowId, const TableSet& tables) {
+    initRules();
+    Verifier verifier{tables, {}, {}, {}};
+    if (!materialOfRow(rowId, verifier.material) || !makeExit(verifier.material, NoMan, NoMan, board::NoType, verifier.same))
+        return 1;
+    const int men = verifier.material.count;
+    parallelFor(std::uint32_t(1) << (6 * men), [&](std::uint32_t begin, std::uint32_t end) {
+        int squares[MaxMen], steppers[MaxMen];
+        for (std::uint32_t position = begin; position < end; ++position) {
+            squaresOfPlacement(position, men, squares);
+            for (int stm = 0; stm < 2; ++stm) {
+                if (!isLegal(verifier.material, squares, stm)) continue;
+                verifier.check(squares, stm, -1);
+                const int count = doubleSteppers(verifier.material, squares, stm, steppers);
+                for (int i = 0; i < count; ++i)
+                    verifier.check(squares, stm, passedSquare(verifier.material.men[steppers[i]], squares[steppers[i]]));
+            }
+        }
+    });
+    return verifier.faults.load();
+}
+
+}  // namespace tbgen

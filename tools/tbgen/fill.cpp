@@ -43,7 +43,12 @@ bool fillTables(const Solution& solution, std::array<std::vector<std::int8_t>, 2
             return;
         }
         std::int8_t byte = DeepestLossByte;
-        if (!byteOfScore(score, byte) && score != scoreOfLoss(DeepestLossPlies)) return;
+        if (!byteOfScore(score, byte)) {
+            if (score != scoreOfLoss(DeepestLossPlies)) return;
+            // Named so that they can be held against the indices the probe knows.
+            if (!written[side][index])
+                std::fprintf(stderr, "tbgen: %s side %d: index %u is lost in 127 moves, stored as 126\n", name, side, index);
+        }
         if (written[side][index] && bytes[side][index] != byte && clashes++ == 0)
             std::fprintf(stderr, "tbgen: %s side %d: index %u holds positions of values %d and %d\n", name, side,
                          index, bytes[side][index], byte);

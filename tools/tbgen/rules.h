@@ -69,8 +69,8 @@ bool inCheck(const Material& material, const int* squares, int stm);
 constexpr int MaxGenMoves = 128;
 int generateMoves(const Material& material, const int* squares, int stm, int epSquare, GenMove* out);
 
-// Whether the man just moved two squares from its start, with an enemy pawn
-// beside it that could take it en passant.
+// Whether the move of `man` from `from` to `to` is a pawn's double step that
+// ends beside an enemy pawn, which may then take it en passant.
 bool isDoubleStepWithCapturer(const Material& material, const int* squares, int man, int from, int to);
 
 // The pawns of the side not to move that may just have stepped twice past

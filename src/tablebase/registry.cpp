@@ -100,6 +100,8 @@ void tbCloseFiles() {
 }
 
 int tbRegisterFile(const char* directory, int id, int side) {
+    if (id < 1 || id >= TbRowCount || side < 0 || side > 1) return 0;
+    nameRows();
     TbRow& row = tbRows[id];
     if (row.path[side][0] != '\0') return 1;
     const std::size_t directoryLength = std::strlen(directory);

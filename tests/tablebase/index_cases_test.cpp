@@ -106,3 +106,24 @@ TEST_F(TbIndexCases, EnPassantRegionsFollowTheOrdinaryNumbering) {
             }
         }
 }
+
+// The tool answers with the row, the table side, the colours and the index
+// of the probe: the krk example and its colour-exchanged twin agree.
+TEST_F(TbIndexCases, TbindexPrintsWhatTheProbeReads) {
+    const char* command = "printf 'R7/8/8/8/8/8/8/K1k5 w -\\nk1K5/8/8/8/8/8/8/r7 b -\\n4k3/8/8/3pP3/8/8/8/4K3 w d6\\n"
+                          "8/8/8/8/8/8/8/K1k5 w -\\nK7 w -\\n' | " MORVANE_BIN_DIR "/tbindex";
+    std::FILE* tool = popen(command, "r");
+    ASSERT_NE(tool, nullptr);
+    std::vector<std::string> lines;
+    for (char line[256]; std::fgets(line, sizeof line, tool);) lines.push_back(line);
+    pclose(tool);
+    ASSERT_EQ(lines.size(), 5u);
+    const auto krk = indexOf(tbRowId("krk"), 0, rowMen("krk"), RowPosition{{sq("a1"), sq("c1")}, {sq("a8")}});
+    EXPECT_EQ(lines[0], "krk 0 0 " + std::to_string(krk) + "\n");
+    EXPECT_EQ(lines[1], "krk 0 1 " + std::to_string(krk) + "\n");
+    // Black is kpkp's first side: its men form the first list.
+    const RowPosition kpkp{{sq("e8"), sq("e1")}, {sq("d5"), sq("e5")}, sq("d6")};
+    EXPECT_EQ(lines[2], "kpkp 1 1 " + std::to_string(indexOf(tbRowId("kpkp"), 1, rowMen("kpkp"), kpkp, 1)) + "\n");
+    EXPECT_EQ(lines[3], "none bare kings\n");
+    EXPECT_EQ(lines[4], "none unreadable\n");
+}

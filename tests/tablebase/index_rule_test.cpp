@@ -128,15 +128,6 @@ TEST(TbIndexRule, TablesHaveTheirKnownTotals) {
     const std::uint32_t plainTotals[6] = {0, 0, 26282, 27243, 27036, 25635};
     for (int c = 0; c < 6; ++c) EXPECT_EQ(pawnForm.singleTotal[c], pawnTotals[c]) << "class " << c;
     for (int c = 2; c < 6; ++c) EXPECT_EQ(plainForm.singleTotal[c], plainTotals[c]) << "class " << c;
-    int pawnPairs = 0, plainPairs = 0;
-    for (int m = 0; m < 64; ++m)
-        for (int o = 0; o < 64; ++o) {
-            pawnPairs += kingPairPawn[m][o] != TbNoPair && kingPairPawn[m][o] < TbPawnPairs;
-            plainPairs += kingPairPlain[m][o] != TbNoPair && kingPairPlain[m][o] < TbPlainPairs;
-        }
-    EXPECT_EQ(pawnPairs, TbPawnPairs);
-    EXPECT_EQ(plainPairs, TbPlainPairs);
-
     // The numbering's size is the file's, except for 27 files that stop early.
     int equal = 0, longer = 0;
     for (int row = 1; row < TbRowCount; ++row)

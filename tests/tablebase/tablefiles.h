@@ -1,8 +1,7 @@
 #pragma once
-// Table files for the registry, cache and probe tests: a directory of its
-// own, plain tables of any size whose bytes follow a known rule (large ones
-// sparse, so they cost no disk), and a set-up that keeps its two lines of
-// standard error for the test to read.
+// Table files for the registry, cache and probe tests: a directory of the
+// test's own, plain tables whose bytes follow a known rule (or sparse ones
+// of zeros that cost no disk), and a set-up whose report is kept.
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
@@ -12,41 +11,32 @@
 #include <filesystem>
 #include <string>
 
-#include "tablebase/index.h"
 #include "tablebase/registry.h"
 
 namespace tbtest {
 
 class TableDirectory {
 public:
-    TableDirectory() {
-        std::string pattern = testing::TempDir() + "/tables_XXXXXX";
-        path_ = mkdtemp(pattern.data()) ? pattern : std::string();
-    }
     ~TableDirectory() { std::filesystem::remove_all(path_); }
     const std::string& path() const { return path_; }
     std::string file(const std::string& name) const { return path_ + "/" + name; }
 
 private:
-    std::string path_;
+    std::string path_ = mkdtemp((testing::TempDir() + "/tables_XXXXXX").data());
 };
 
-// The byte a test table holds at `index`: it names the file and the index.
+// The byte a test table of `variant` holds at `index`.
 inline std::uint8_t testByte(std::uint32_t index, int variant) { return std::uint8_t(index * 7 + index / 8192 + variant); }
 
-// Writes `size` bytes of testByte(index, variant); sparse files hold zeros.
 inline void writeTable(const std::string& path, std::uint32_t size, int variant = 0, bool sparse = false) {
     std::FILE* f = std::fopen(path.c_str(), "wb");
     ASSERT_NE(f, nullptr) << path;
-    if (sparse) {
-        ASSERT_EQ(ftruncate(fileno(f), off_t(size)), 0);
-    } else {
-        for (std::uint32_t i = 0; i < size; ++i) std::fputc(testByte(i, variant), f);
-    }
+    for (std::uint32_t i = 0; i < size && !sparse; ++i) std::fputc(testByte(i, variant), f);
+    ASSERT_EQ(ftruncate(fileno(f), off_t(size)), 0);
     std::fclose(f);
 }
 
-// The table of `name` and `side` at its right size.
+// The table of `name` and `side`, of its right size.
 inline void writeRow(const TableDirectory& dir, const char* name, int side, int variant = 0, bool sparse = false) {
     writeTable(dir.file(std::string(name) + (side ? ".nbb" : ".nbw")),
                tablebase::tbPositions(tablebase::tbRowId(name), side), variant, sparse);

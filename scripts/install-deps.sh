@@ -12,6 +12,7 @@ if [ "${1:-}" = "--test" ]; then
   # Independent endgame tables that the table generator is checked against.
   [ -d /usr/share/gaviotatb/gtb1 ] || need+=(gaviotatb)
   [ -f /usr/include/gtb-probe.h ] || need+=(libgaviotatb-dev)
+  [ -f /usr/include/zlib.h ] || need+=(zlib1g-dev)  # the Gaviota library needs it
 fi
 if [ ${#need[@]} -gt 0 ]; then
   echo "Installing: ${need[*]}"

@@ -13,7 +13,10 @@
 #include <chrono>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <vector>
+
+#include <unistd.h>
 
 #include "tablebase/index.h"
 #include "tbgen/fill.h"
@@ -120,6 +123,8 @@ int main(int argc, char** argv) {
             run.verifyOnly = true;
         } else if (std::strcmp(argv[arg], "--all4") == 0) {
             for (int row = 1; row <= LastFourManRow; ++row) run.wanted.push_back(row);
+        } else if (argv[arg][0] == '-') {
+            return usage();
         } else {
             const int row = tablebase::tbRowId(argv[arg]);
             if (row <= 0) {
@@ -130,6 +135,13 @@ int main(int argc, char** argv) {
         }
     }
     if (run.dir == nullptr || run.wanted.empty()) return usage();
+    // Checked before any work: a five-man row takes long to make.
+    std::error_code error;
+    std::filesystem::create_directories(run.dir, error);
+    if (!run.verifyOnly && (error || access(run.dir, W_OK) != 0)) {
+        std::fprintf(stderr, "tbgen: can't write into %s\n", run.dir);
+        return 1;
+    }
 
     const Clock::time_point start = Clock::now();
     bool good = true;

@@ -42,12 +42,32 @@ long long nowMs() {
         .count();
 }
 
+// The built engine stands beside the default book, which would answer the
+// opening moves of every test. Tests run a copy in a directory of its own,
+// one per test process, unless they ask for a program.
+const std::string& defaultEngine() {
+    static const std::string path = [] {
+        static char directory[] = "/tmp/morvane-engine-XXXXXX";
+        if (mkdtemp(directory) == nullptr) return std::string(MORVANE_BIN_DIR "/morvane");
+        const std::string copy = std::string(directory) + "/morvane";
+        std::error_code error;
+        std::filesystem::copy_file(MORVANE_BIN_DIR "/morvane", copy, error);
+        chmod(copy.c_str(), 0755);
+        std::atexit([] {
+            std::error_code ignored;
+            std::filesystem::remove_all(directory, ignored);
+        });
+        return copy;
+    }();
+    return path;
+}
+
 }  // namespace
 
 EngineSession::EngineSession(const std::string& program, const std::vector<std::string>& arguments,
                              const std::string* input) {
     signal(SIGPIPE, SIG_IGN);  // an engine that died makes a write fail, not the test
-    const std::string path = program.empty() ? std::string(MORVANE_BIN_DIR "/morvane") : program;
+    const std::string path = program.empty() ? defaultEngine() : program;
     // Built before the fork: the child only execs.
     std::vector<char*> argv{const_cast<char*>(path.c_str())};
     for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));

@@ -13,8 +13,8 @@ namespace tbgen {
 
 namespace {
 
-// Letters of a row name from the strongest piece down, and each piece's
-// first place in a piece list.
+// Letters of a row name from the strongest piece down, and the type each
+// stands for (a pawn's colour follows its side).
 constexpr char NameOrder[] = "qrbnp";
 constexpr int TypeOfLetter[] = {board::Queen, board::Rook, board::Bishop, board::Knight, board::WhitePawn};
 
@@ -28,6 +28,7 @@ int letterOf(int type) {
     }
 }
 
+// A type's first place in a piece list; more men of the type take the next.
 int firstPlace(int type) {
     switch (type) {
         case board::King: return 0;

@@ -8,15 +8,13 @@
 
 namespace tbgen {
 
-namespace detail {
+namespace {
+
 std::uint64_t kingSteps[64], knightSteps[64], pawnCaptures[2][64];
+// Rays 0-3 run along ranks and files, 4-7 along diagonals.
 std::int8_t rays[8][64][8];
 std::uint8_t rayLength[8][64];
-}  // namespace detail
-
-using namespace detail;
-
-namespace {
+constexpr int OrthogonalRays = 4;
 
 // Squares strictly between two squares on one line, and the kind of line
 // (0 none, 1 rank or file, 2 diagonal).
@@ -65,6 +63,21 @@ bool manAttacks(Man man, int from, int target, std::uint64_t occupied) {
             return man.type == board::Queen || (man.type == board::Rook) == (kind == LineStraight);
         }
     }
+}
+
+std::uint64_t pieceReach(int type, int sq, std::uint64_t occupied) {
+    if (type == board::King) return kingSteps[sq];
+    if (type == board::Knight) return knightSteps[sq];
+    const int first = type == board::Bishop ? OrthogonalRays : 0;
+    const int last = type == board::Rook ? OrthogonalRays : 8;
+    std::uint64_t reach = 0;
+    for (int ray = first; ray < last; ++ray)
+        for (int i = 0; i < rayLength[ray][sq]; ++i) {
+            const int to = rays[ray][sq][i];
+            reach |= bit(to);
+            if (occupied & bit(to)) break;
+        }
+    return reach;
 }
 
 std::uint64_t sliderLines(const Material& material, const int* squares, int target, int by) {
@@ -203,40 +216,22 @@ int generateMoves(const Material& material, const int* squares, int stm, int epS
         const Man piece = material.men[man];
         if (piece.colour != stm) continue;
         const int from = squares[man];
-        switch (piece.type) {
-            case board::King: addTargets(man, kingSteps[from]); break;
-            case board::Knight: addTargets(man, knightSteps[from]); break;
-            case board::Queen:
-            case board::Rook:
-            case board::Bishop: {
-                const int first = piece.type == board::Bishop ? OrthogonalRays : 0;
-                const int last = piece.type == board::Rook ? OrthogonalRays : 8;
-                std::uint64_t targets = 0;
-                for (int ray = first; ray < last; ++ray)
-                    for (int i = 0; i < rayLength[ray][from]; ++i) {
-                        const int to = rays[ray][from][i];
-                        targets |= bit(to);
-                        if (occupied & bit(to)) break;
-                    }
-                addTargets(man, targets);
-                break;
-            }
-            default: {
-                const int up = piece.colour == board::White ? 8 : -8;
-                const int relativeRank = piece.colour == board::White ? board::rankOf(from) : 7 - board::rankOf(from);
-                if (!(occupied & bit(from + up))) {
-                    addPawnMove(man, from + up, NoMan);
-                    if (relativeRank == 1 && !(occupied & bit(from + 2 * up))) add(man, from + 2 * up, NoMan, board::NoType, false);
-                }
-                for (std::uint64_t hits = pawnCaptures[stm][from] & occupied & ~own & ~enemyKing; hits; hits &= hits - 1) {
-                    const int to = __builtin_ctzll(hits);
-                    addPawnMove(man, to, manOn(material, squares, to));
-                }
-                const int passer = epSquare >= 0 ? manOn(material, squares, epSquare - up) : NoMan;
-                if (passer != NoMan && (pawnCaptures[stm][from] & bit(epSquare)))
-                    add(man, epSquare, passer, board::NoType, true);
-            }
+        if (piece.type != board::WhitePawn && piece.type != board::BlackPawn) {
+            addTargets(man, pieceReach(piece.type, from, occupied));
+            continue;
         }
+        const int up = piece.colour == board::White ? 8 : -8;
+        const int relativeRank = piece.colour == board::White ? board::rankOf(from) : 7 - board::rankOf(from);
+        if (!(occupied & bit(from + up))) {
+            addPawnMove(man, from + up, NoMan);
+            if (relativeRank == 1 && !(occupied & bit(from + 2 * up))) add(man, from + 2 * up, NoMan, board::NoType, false);
+        }
+        for (std::uint64_t hits = pawnCaptures[stm][from] & occupied & ~own & ~enemyKing; hits; hits &= hits - 1) {
+            const int to = __builtin_ctzll(hits);
+            addPawnMove(man, to, manOn(material, squares, to));
+        }
+        const int passer = epSquare >= 0 ? manOn(material, squares, epSquare - up) : NoMan;
+        if (passer != NoMan && (pawnCaptures[stm][from] & bit(epSquare))) add(man, epSquare, passer, board::NoType, true);
     }
     return count;
 }

@@ -48,6 +48,10 @@ void initRules();
 bool isAttacked(const Material& material, const int* squares, std::uint64_t occupied, int target, int by,
                 int ignored = NoMan);
 
+// The squares a king, knight, bishop, rook or queen on `sq` reaches, up to
+// and including the first man on each line. Moves are symmetric, so these
+// are also the squares it can have come from.
+std::uint64_t pieceReach(int type, int sq, std::uint64_t occupied);
 // Whether one man on `from` attacks `target`, the board occupied as given.
 bool manAttacks(Man man, int from, int target, std::uint64_t occupied);
 // The squares between `target` and every slider of colour `by` on a line
@@ -65,8 +69,8 @@ bool inCheck(const Material& material, const int* squares, int stm);
 constexpr int MaxGenMoves = 128;
 int generateMoves(const Material& material, const int* squares, int stm, int epSquare, GenMove* out);
 
-// Whether the man just moved two squares from its start, with an enemy pawn
-// beside it that could take it en passant.
+// Whether the move of `man` from `from` to `to` is a pawn's double step that
+// ends beside an enemy pawn, which may then take it en passant.
 bool isDoubleStepWithCapturer(const Material& material, const int* squares, int man, int from, int to);
 
 // The pawns of the side not to move that may just have stepped twice past
@@ -84,16 +88,8 @@ inline int passedSquare(const Man& pawn, int sq) { return pawn.colour == board::
 template <class Visit>
 void forEachUnmove(const Material& material, const int* squares, int stm, Visit&& visit);
 
-namespace detail {
-extern std::uint64_t kingSteps[64], knightSteps[64], pawnCaptures[2][64];
-extern std::int8_t rays[8][64][8];
-extern std::uint8_t rayLength[8][64];
-constexpr int OrthogonalRays = 4;  // rays 0-3 run along ranks and files, 4-7 along diagonals
-}  // namespace detail
-
 template <class Visit>
 void forEachUnmove(const Material& material, const int* squares, int stm, Visit&& visit) {
-    using namespace detail;
     const int mover = stm ^ 1;
     std::uint64_t occupied = 0;
     for (int m = 0; m < material.count; ++m) occupied |= bit(squares[m]);
@@ -126,33 +122,18 @@ void forEachUnmove(const Material& material, const int* squares, int stm, Visit&
         const Man piece = material.men[man];
         if (piece.colour != mover) continue;
         const int to = squares[man];
-        switch (piece.type) {
-            case board::King: stepsBack(man, kingSteps[to]); break;
-            case board::Knight: stepsBack(man, knightSteps[to]); break;
-            case board::Queen:
-            case board::Rook:
-            case board::Bishop: {
-                const int first = piece.type == board::Bishop ? OrthogonalRays : 0;
-                const int last = piece.type == board::Rook ? OrthogonalRays : 8;
-                for (int ray = first; ray < last; ++ray)
-                    for (int i = 0; i < rayLength[ray][to]; ++i) {
-                        const int from = rays[ray][to][i];
-                        if (occupied & bit(from)) break;
-                        tryFrom(man, from);
-                    }
-                break;
-            }
-            default: {  // a pawn: one step or two back toward its own side
-                const int back = piece.colour == board::White ? -8 : 8;
-                const int rank = board::rankOf(to);
-                const int relativeRank = piece.colour == board::White ? rank : 7 - rank;
-                if (relativeRank < 2 || (occupied & bit(to + back))) break;
-                tryFrom(man, to + back);
-                if (relativeRank == 3 && !(occupied & bit(to + 2 * back)) &&
-                    !isDoubleStepWithCapturer(material, squares, man, to + 2 * back, to))
-                    tryFrom(man, to + 2 * back);
-            }
+        if (piece.type != board::WhitePawn && piece.type != board::BlackPawn) {
+            stepsBack(man, pieceReach(piece.type, to, occupied));
+            continue;
         }
+        // A pawn: one step or two back toward its own side.
+        const int back = piece.colour == board::White ? -8 : 8;
+        const int relativeRank = piece.colour == board::White ? board::rankOf(to) : 7 - board::rankOf(to);
+        if (relativeRank < 2 || (occupied & bit(to + back))) continue;
+        tryFrom(man, to + back);
+        if (relativeRank == 3 && !(occupied & bit(to + 2 * back)) &&
+            !isDoubleStepWithCapturer(material, squares, man, to + 2 * back, to))
+            tryFrom(man, to + 2 * back);
     }
 }
 

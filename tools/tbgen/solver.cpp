@@ -93,6 +93,7 @@ struct Solver {
         return best;
     }
 
+    // Several threads may decide one position in a level, always alike.
     void decide(int side, std::uint32_t position, int plies) {
         if (plies > MaxPlies) fail("a distance beyond what a table byte holds", s.rowId);
         shared(s.distance[side][position]).store(std::uint8_t(std::min(plies, MaxPlies) + 1), std::memory_order_relaxed);
@@ -127,6 +128,8 @@ struct Solver {
         return int(std::unique(positions, positions + count) - positions);
     }
 
+    // The first look at a position: mate, stalemate, the value of its best
+    // capture or promotion, and how many positions its other moves reach.
     void initialise(int side, std::uint32_t position) {
         int squares[MaxMen];
         squaresOf(s.layout, position, squares);
@@ -175,6 +178,7 @@ struct Solver {
         if (left == 1) exhaust(side, position, level + 1);
     }
 
+    // Passes a position decided at `level` to every position with a move into it.
     void takeBack(int side, std::uint32_t position, int level) {
         int squares[MaxMen];
         squaresOf(s.layout, position, squares);
@@ -251,6 +255,8 @@ void Solver::settleEpNodes(int level, std::vector<std::size_t>& settled) {
     }
 }
 
+// Levels run while any position is decided that far: a win by a capture
+// or a slow loss may lie deeper than the last level reached by moves.
 void Solver::run() {
     s.layout = layoutOf(s.material);
     for (int side = 0; side < 2; ++side) {

@@ -1,4 +1,6 @@
-// The one-move check of a row's tables.
+// The one-move check of a row's tables. The move check runs on one
+// position of each family of symmetric images, and the others must hold
+// the same value: together that reaches every legal position.
 
 #include "tbgen/verify.h"
 
@@ -22,6 +24,7 @@ int backedUp(int score) { return score == NoScore ? NoScore : backUp(score); }
 struct Verifier {
     const TableSet& tables;
     Material material;
+    Layout layout;
     Exit same;  // the row's own material, no man taken or promoted
     std::atomic<long> faults{0};
 
@@ -57,13 +60,23 @@ struct Verifier {
             best = std::max(best, score);
         }
         const int stored = lookupScore(tables, same, squares, stm, epSquare);
-        if (stored == best) return;
-        if (faults.fetch_add(1) < ReportedFaults) {
-            std::fprintf(stderr, "tbgen: %s, side to move %d, en passant %d, men on", tablebase::tbRowName(same.map.rowId),
-                         stm, epSquare);
-            for (int m = 0; m < material.count; ++m) std::fprintf(stderr, " %d", squares[m]);
-            std::fprintf(stderr, ": stored %d, moves give %d\n", stored, best);
+        if (stored != best) report(squares, stm, epSquare, stored, best);
+        // Its images must hold the same value wherever the index puts them.
+        int image[MaxMen];
+        for (int t = 1; t < layout.symmetries; ++t) {
+            for (int m = 0; m < material.count; ++m) image[m] = transformSquare(t, squares[m]);
+            const int imageEp = epSquare < 0 ? -1 : transformSquare(t, epSquare);
+            const int imageStored = lookupScore(tables, same, image, stm, imageEp);
+            if (imageStored != stored) report(image, stm, imageEp, imageStored, stored);
         }
+    }
+
+    void report(const int* squares, int stm, int epSquare, int stored, int expected) {
+        if (faults.fetch_add(1) >= ReportedFaults) return;
+        std::fprintf(stderr, "tbgen: %s, side to move %d, en passant %d, men on", tablebase::tbRowName(same.map.rowId),
+                     stm, epSquare);
+        for (int m = 0; m < material.count; ++m) std::fprintf(stderr, " %d", squares[m]);
+        std::fprintf(stderr, ": stored %d, expected %d\n", stored, expected);
     }
 };
 
@@ -71,14 +84,15 @@ struct Verifier {
 
 long verifyRow(int rowId, const TableSet& tables) {
     initRules();
-    Verifier verifier{tables, {}, {}, {}};
+    Verifier verifier{tables, {}, {}, {}, {}};
     if (!materialOfRow(rowId, verifier.material) || !makeExit(verifier.material, NoMan, NoMan, board::NoType, verifier.same))
         return 1;
-    const int men = verifier.material.count;
-    parallelFor(std::uint32_t(1) << (6 * men), [&](std::uint32_t begin, std::uint32_t end) {
+    const Layout& layout = verifier.layout = layoutOf(verifier.material);
+    parallelFor(layout.size, [&](std::uint32_t begin, std::uint32_t end) {
         int squares[MaxMen], steppers[MaxMen];
         for (std::uint32_t position = begin; position < end; ++position) {
-            squaresOfPlacement(position, men, squares);
+            squaresOf(layout, position, squares);
+            if (positionOf(layout, squares) != position) continue;
             for (int stm = 0; stm < 2; ++stm) {
                 if (!isLegal(verifier.material, squares, stm)) continue;
                 verifier.check(squares, stm, -1);

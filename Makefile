@@ -33,7 +33,7 @@ test:
 test-asan:
 	@cmake -S . -B $(ASAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DMORVANE_SANITIZE=address >/dev/null
 	@cmake --build $(ASAN_BUILD) -j$(JOBS)
-	@$(ASAN_BUILD)/morvane_tests --gtest_brief=1 --gtest_filter='*Fuzz*:*Transcript*:Fen*:Edit*'
+	@$(ASAN_BUILD)/morvane_tests --gtest_brief=1 --gtest_filter='*Fuzz*:*Transcript*:Fen*:Edit*:TbDecodeBlock*:TbHeader*:TbCodeTables*:TbCompressRoundTrip*'
 
 # The think thread against random commands, under ThreadSanitizer.
 test-tsan:

@@ -7,28 +7,7 @@
 #include <vector>
 
 #include "tbcompress/compressor.h"
-
-namespace {
-
-bool readFile(const char* name, std::vector<std::uint8_t>& bytes) {
-    std::FILE* file = std::fopen(name, "rb");
-    if (!file) return false;
-    std::uint8_t chunk[1 << 16];
-    std::size_t got;
-    while ((got = std::fread(chunk, 1, sizeof chunk, file)) > 0) bytes.insert(bytes.end(), chunk, chunk + got);
-    const bool ok = !std::ferror(file);
-    std::fclose(file);
-    return ok;
-}
-
-bool writeFile(const char* name, const std::vector<std::uint8_t>& bytes) {
-    std::FILE* file = std::fopen(name, "wb");
-    if (!file) return false;
-    const bool ok = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
-    return std::fclose(file) == 0 && ok;
-}
-
-}  // namespace
+#include "tbcompress/tablefile.h"
 
 int main(int argc, char** argv) {
     if (argc != 3) {
@@ -36,7 +15,7 @@ int main(int argc, char** argv) {
         return 2;
     }
     std::vector<std::uint8_t> table;
-    if (!readFile(argv[1], table)) {
+    if (!tbcompress::readTableFile(argv[1], table)) {
         std::fprintf(stderr, "tbcompress: can't read %s\n", argv[1]);
         return 1;
     }
@@ -47,7 +26,7 @@ int main(int argc, char** argv) {
     }
     tbcompress::CompressStats stats;
     const std::vector<std::uint8_t> file = tbcompress::compressTable(table.data(), table.size(), &stats);
-    if (!writeFile(argv[2], file)) {
+    if (!tbcompress::writeTableFile(argv[2], file)) {
         std::fprintf(stderr, "tbcompress: can't write %s\n", argv[2]);
         return 1;
     }

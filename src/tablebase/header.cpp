@@ -85,7 +85,7 @@ TbHeaderStatus readFields(const std::uint8_t* header, std::uint32_t headerSize, 
 
 TbHeaderResult tbParseHeader(std::FILE* stream) {
     std::uint8_t fixed[TbFixedHeaderBytes];
-    if (std::fread(fixed, 1, sizeof fixed, stream) != sizeof fixed ||
+    if (std::fseek(stream, 0, SEEK_SET) != 0 || std::fread(fixed, 1, sizeof fixed, stream) != sizeof fixed ||
         std::memcmp(fixed, tbFileSignature, TbSignatureBytes) != 0)
         return {TbHeaderStatus::ReadError, nullptr, 0};
     const std::uint32_t headerSize = tbLoadBig32(fixed + TbHeaderSizeOffset);

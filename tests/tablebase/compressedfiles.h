@@ -58,10 +58,10 @@ inline Bytes decodeWholeFile(const Bytes& file) {
     return table;
 }
 
-// Lays out a header by hand: one size field per block plus the last
+// A header laid out by hand: one size field per block plus the last
 // block's size, the 24 distances, the main code's lengths, then the
-// checksum. `corrupt` may change the bytes before the checksum is taken.
-struct HeaderSpec {
+// checksum.
+struct HeaderPlan {
     int blockBits = tablebase::TbBlockBits;
     std::vector<int> blockSizes{1};  // compressed sizes
     int lastBlockSize = 1;
@@ -76,21 +76,21 @@ inline void signHeader(Bytes& header) {
     putBig32(header, at, tablebase::tbChecksum(header.data(), at));
 }
 
-inline Bytes buildHeader(const HeaderSpec& spec) {
+inline Bytes buildHeader(const HeaderPlan& plan) {
     using namespace tablebase;
     tbcompress::BitWriter fields;
-    const int mask = (1 << spec.blockBits) - 1;
-    for (int size : spec.blockSizes) fields.put(std::uint32_t(size & mask), spec.blockBits);
-    fields.put(std::uint32_t(spec.lastBlockSize & mask), spec.blockBits);
-    for (int distance : spec.distances) fields.put(std::uint32_t(distance), spec.blockBits);
+    const int mask = (1 << plan.blockBits) - 1;
+    for (int size : plan.blockSizes) fields.put(std::uint32_t(size & mask), plan.blockBits);
+    fields.put(std::uint32_t(plan.lastBlockSize & mask), plan.blockBits);
+    for (int distance : plan.distances) fields.put(std::uint32_t(distance), plan.blockBits);
     fields.flush();
     tbcompress::BitWriter lengths;
-    tbcompress::writeLargeForm(lengths, spec.codeLengths);
+    tbcompress::writeLargeForm(lengths, plan.codeLengths);
     lengths.flush();
-    const std::size_t blocks = spec.blockSizes.size();
+    const std::size_t blocks = plan.blockSizes.size();
     Bytes header(TbFixedHeaderBytes + TbBlockChecksumBytes * blocks, 0);
     std::copy(std::begin(tbFileSignature), std::end(tbFileSignature), header.begin());
-    header[TbBlockBitsOffset] = std::uint8_t(spec.blockBits);
+    header[TbBlockBitsOffset] = std::uint8_t(plan.blockBits);
     header[TbDistanceCountOffset] = TbDistanceSlots;
     putBig32(header, TbBlockCountOffset, std::uint32_t(blocks));
     std::copy(std::begin(tbFileMagic), std::end(tbFileMagic), header.begin() + TbMagicOffset);

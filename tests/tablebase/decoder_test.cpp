@@ -47,16 +47,16 @@ const int Repeat1 = tbcompress::matchSymbol(0, 0), Repeat15 = tbcompress::matchS
           Back2 = tbcompress::matchSymbol(1, 0), NoDistance = tbcompress::matchSymbol(2, 0);
 
 struct HandCode {
-    HeaderSpec spec;
+    HeaderPlan plan;
     tbcompress::PrefixCode code;
     TbDecoder* decoder = nullptr;
     HandCode() {
         for (int symbol : {LetterA, LetterB, Repeat1, Repeat15, Repeat16, Repeat270, Back2, NoDistance})
-            spec.codeLengths[std::size_t(symbol)] = 3;
-        spec.distances[1] = 2;
-        spec.distances[2] = 0;
-        code = tbcompress::canonicalCode(spec.codeLengths);
-        decoder = parseBytes(buildHeader(spec)).decoder;
+            plan.codeLengths[std::size_t(symbol)] = 3;
+        plan.distances[1] = 2;
+        plan.distances[2] = 0;
+        code = tbcompress::canonicalCode(plan.codeLengths);
+        decoder = parseBytes(buildHeader(plan)).decoder;
     }
     ~HandCode() { tbFreeDecoder(decoder); }
 
@@ -106,7 +106,7 @@ TEST(TbHeader, EachFaultGetsItsKind) {
         {"header size 83", [](Bytes& f) { putBig32(f, TbHeaderSizeOffset, 83); }, TbHeaderStatus::Broken},
         {"23 distances", [](Bytes& f) { f[TbDistanceCountOffset] = 23; }, TbHeaderStatus::Broken},
         {"magic", [](Bytes& f) { f[TbMagicOffset + 3] = 0xF6; }, TbHeaderStatus::Broken},
-        {"a code length bit", [&](Bytes& f) { f[headerSize - 6] ^= 0x10; }, TbHeaderStatus::Broken},
+        {"a byte under the checksum", [&](Bytes& f) { f[headerSize - 6] ^= 0x10; }, TbHeaderStatus::Broken},
         {"header cut short", [&](Bytes& f) { f.resize(headerSize - 1); }, TbHeaderStatus::OutOfMemory},
         {"header size past the file", [](Bytes& f) { putBig32(f, TbHeaderSizeOffset, 0x7FFFFFFF); },
          TbHeaderStatus::OutOfMemory},
@@ -124,28 +124,28 @@ TEST(TbHeader, EachFaultGetsItsKind) {
 // Headers laid out by hand, checksum intact, so that only the field under
 // test is wrong.
 TEST(TbHeader, FieldsAndCodesAreCheckedBeforeTheBlockSize) {
-    HeaderSpec spec;
-    spec.codeLengths[0] = spec.codeLengths[1] = 1;
-    const TbHeaderResult sound = parseBytes(buildHeader(spec));
+    HeaderPlan plan;
+    plan.codeLengths[0] = plan.codeLengths[1] = 1;
+    const TbHeaderResult sound = parseBytes(buildHeader(plan));
     ASSERT_EQ(sound.status, TbHeaderStatus::Ok);
     EXPECT_EQ(sound.decoder->lastBlockSize, 1);
     EXPECT_EQ(sound.decoder->blockOffset[1] - sound.decoder->blockOffset[0], 1u);
     tbFreeDecoder(sound.decoder);
 
-    spec.blockBits = 12;
-    const TbHeaderResult small = parseBytes(buildHeader(spec));
+    plan.blockBits = 12;
+    const TbHeaderResult small = parseBytes(buildHeader(plan));
     EXPECT_EQ(small.status, TbHeaderStatus::UnsupportedBlockSize);
     EXPECT_EQ(small.blockSize, 4096);
 
-    spec.codeLengths[1] = 2;  // incomplete, whatever the block size
-    EXPECT_EQ(parseBytes(buildHeader(spec)).status, TbHeaderStatus::Broken);
+    plan.codeLengths[1] = 2;  // incomplete, whatever the block size
+    EXPECT_EQ(parseBytes(buildHeader(plan)).status, TbHeaderStatus::Broken);
 
-    HeaderSpec noBlocks;
+    HeaderPlan noBlocks;
     noBlocks.blockSizes.clear();
     EXPECT_EQ(parseBytes(buildHeader(noBlocks)).status, TbHeaderStatus::Broken);
 
     // Code lengths that run into the header's checksum.
-    HeaderSpec full;
+    HeaderPlan full;
     for (int s = 0; s < TbSymbolCount; ++s) full.codeLengths[std::size_t(s)] = 10;
     Bytes cut = buildHeader(full);
     cut.erase(cut.end() - TbHeaderChecksumBytes - 2, cut.end() - TbHeaderChecksumBytes);
@@ -169,9 +169,9 @@ TEST(TbHeaderDeathTest, FaultsEndTheProgramWithTheirMessages) {
     EXPECT_EXIT(readHeader(broken), testing::ExitedWithCode(1), "^\\*\\*\\* Unable to read /tb/kqk.nbw.emd - file broken\n$");
     Bytes cut(sample.begin(), sample.begin() + std::ptrdiff_t(headerSizeOf(sample)) - 1);
     EXPECT_EXIT(readHeader(cut), testing::ExitedWithCode(1), "^\\*\\*\\* Unable to read /tb/kqk.nbw.emd - out of memory\n$");
-    HeaderSpec spec;
-    spec.blockBits = 14;
-    EXPECT_EXIT(readHeader(buildHeader(spec)), testing::ExitedWithCode(1), "^\\*\\*\\* /tb/kqk.nbw.emd: Unsupported block size 16384\n$");
+    HeaderPlan plan;
+    plan.blockBits = 14;
+    EXPECT_EXIT(readHeader(buildHeader(plan)), testing::ExitedWithCode(1), "^\\*\\*\\* /tb/kqk.nbw.emd: Unsupported block size 16384\n$");
 }
 
 TEST(TbCodeTables, InvalidCodesGetTheirErrors) {

@@ -251,7 +251,9 @@ TEST(FrontEndFuzz, FensAndEditDialoguesKeepTheGameConsistent) {
             ASSERT_TRUE(result == 0 || result == board::scanIllegal || result == board::SetupNoSlot ||
                         result == board::SetupNoKing)
                 << input;
-            if (result < 0) EXPECT_TRUE(placementOf() == before) << "a refused set-up changed the game: " << input;
+            if (result < 0) {
+                EXPECT_TRUE(placementOf() == before) << "a refused set-up changed the game: " << input;
+            }
         }
         ASSERT_TRUE(gameIsConsistent()) << input;
         playAndTakeBack(maker, maker.below(30));

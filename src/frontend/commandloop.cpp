@@ -94,7 +94,8 @@ int readCommandLine(std::FILE* input, char* buffer, int size) {
 // The commands that carry case-sensitive text get their word in the form the
 // chain tests for, and keep the rest.
 void normaliseCommand(char* line) {
-    // Words whose tails keep their case: a FEN, a path, UCI keywords.
+    // Words whose tails keep their case: a FEN, paths, UCI keywords. A game
+    // file's path keeps its case too, since file names here have one.
     struct CaseRule {
         const char* word;
         const char* normalForm;
@@ -104,6 +105,7 @@ void normaliseCommand(char* line) {
         {"EGTPATH", "EGTPATH"},
         {"POSITION", "position"},
         {"SETOPTION", "setoption"},
+        {"PARTIE ", "PARTIE "},
     };
     for (const CaseRule& rule : rules) {
         if (platform::opensWithNoCase(line, rule.word)) {

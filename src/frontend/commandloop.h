@@ -31,7 +31,7 @@ extern const char* engineName;
 // 0 at end of input.
 int readCommandLine(std::FILE* input, char* buffer, int size);
 
-// SETBOARD, EGTPATH, position and setoption keep the case of their tails;
+// SETBOARD, EGTPATH, position, setoption and PARTIE keep the case of their tails;
 // any other line is folded to upper case.
 void normaliseCommand(char* line);
 

@@ -7,6 +7,7 @@
 #include "board/fen.h"
 #include "board/game.h"
 #include "board/movetext.h"
+#include "frontend/booklearning.h"
 #include "frontend/gamefiles.h"
 #include "frontend/logfile.h"
 #include "frontend/thinkthread.h"
@@ -159,6 +160,7 @@ void newGame() {
     search::clearHistory();
     search::clearKillers();
     search::clearCounters();
+    forgetBookPlays();
     logNewGame();
     if (analyzeMode.load(std::memory_order_relaxed))
         startThink();
@@ -193,16 +195,21 @@ void analyzeCommand() {
     startThink();
 }
 
-// The text behind the first blank is the interface's result line.
+// The text behind the first blank is the interface's result line; the
+// book learns it if asked to.
 void resultCommand() {
     const char* blank = std::strchr(commandLine, ' ');
     if (blank) logText(blank + 1);
+    learnFromResult(board::game, blank ? blank + 1 : "");
 }
 
 // The dialogue reads its own lines from standard input until ".". Like a
 // failed placement inside it, its result is left unreported: xboard's edit
 // mode has no reply.
-void editCommand() { board::editPosition(board::game.sideToMove, stdin); }
+void editCommand() {
+    forgetBookPlays();
+    board::editPosition(board::game.sideToMove, stdin);
+}
 
 // Behind "PARTIE " stands the path; the load's result isn't reported.
 constexpr int PartieWordLength = 7;
@@ -252,9 +259,9 @@ const Command commandChain[] = {
     {"NEW", Exact | StopFirst, newGame},
     {"ANALYZE", Exact | StopFirst, analyzeCommand},
     {"EDIT", Exact | Guarded, editCommand},
-    {"SETBOARD", Guarded, [] { setboardCommand(commandLine); }},
+    {"SETBOARD", Guarded, [] { forgetBookPlays(); setboardCommand(commandLine); }},
     {"PRINT", Exact, [] { board::printBoard(board::game); }},
-    {"PARTIE ", Guarded, [] { loadGameFile(board::game, commandLine + PartieWordLength); }},
+    {"PARTIE ", Guarded, [] { forgetBookPlays(); loadGameFile(board::game, commandLine + PartieWordLength); }},
     {"XBOARD", 0, nothing},
     {"RESET", 0, nothing},
     {"PROTOVER 2", 0, [] { protoverCommand(commandLine); }},

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "book/book.h"
+#include "frontend/booklearning.h"
 #include "frontend/thinkthread.h"
 #include "platform/path.h"
 #include "search/hashtable.h"
@@ -54,7 +55,7 @@ std::int32_t megabytesToBytes(int megabytes) {
     return std::int32_t(bytes);
 }
 
-enum class Key { HashTable, Tablebase, NullEval, TbCacheSize, UseBook, Resign, LogFile, Ponder };
+enum class Key { HashTable, Tablebase, NullEval, TbCacheSize, UseBook, Resign, LogFile, Ponder, BookLearn };
 
 struct KeyName {
     const char* name;
@@ -66,7 +67,7 @@ struct KeyName {
 constexpr KeyName keyNames[] = {
     {"HASHTABLE", Key::HashTable},       {"TABLEBASE", Key::Tablebase}, {"NULLEVAL", Key::NullEval},
     {"TB_CACHE_SIZE", Key::TbCacheSize}, {"USE_BOOK", Key::UseBook},    {"RESIGN", Key::Resign},
-    {"LOGFILE", Key::LogFile},           {"PONDER", Key::Ponder},
+    {"LOGFILE", Key::LogFile},           {"PONDER", Key::Ponder},       {"BOOK_LEARN", Key::BookLearn},
 };
 
 // One line: a comment, an unknown key or a line without '=' does nothing.
@@ -87,6 +88,7 @@ void applyConfigLine(const char* line, Settings& settings) {
             case Key::Resign: settings.resign = readSettingInteger(value) != 0; break;
             case Key::LogFile: settings.logFile = readSettingInteger(value) != 0; break;
             case Key::Ponder: settings.ponder = readSettingInteger(value) != 0; break;
+            case Key::BookLearn: settings.bookLearn = readSettingInteger(value) != 0; break;
         }
         return;
     }
@@ -147,6 +149,7 @@ void applySwitches(const Settings& settings) {
     if (settings.resign >= 0) resignEnabled.store(settings.resign, std::memory_order_relaxed);
     if (settings.logFile >= 0) logEnabled = settings.logFile;
     if (settings.ponder >= 0) ponderEnabled.store(settings.ponder, std::memory_order_relaxed);
+    if (settings.bookLearn >= 0) bookLearning = settings.bookLearn;
 }
 
 }  // namespace frontend

@@ -35,6 +35,7 @@ struct Settings {
     int resign = -1;
     int logFile = -1;
     int ponder = -1;
+    int bookLearn = -1;
 };
 
 // HASHTABLE=n and -hn alike: a size n of 1 or more asks for 2^(n-1)
@@ -46,7 +47,8 @@ void setHashTableSize(Settings& settings, const char* value);
 void readConfiguration(Settings& settings);
 // The same for any file. Returns 0 if the file can't be opened.
 int readConfigurationFile(const char* fileName, Settings& settings);
-// Sets the engine's switches that the settings give (book, resign, log, ponder).
+// Sets the engine's switches that the settings give (book, resign, log,
+// ponder, book learning).
 void applySwitches(const Settings& settings);
 
 // A decimal integer as the configuration and the switches write it: blanks

@@ -8,6 +8,8 @@
 
 #include "board/movetext.h"
 #include "board/scan.h"
+#include "book/book.h"
+#include "frontend/booklearning.h"
 #include "frontend/commandloop.h"
 #include "frontend/config.h"
 #include "frontend/gamefiles.h"
@@ -63,6 +65,9 @@ StartedThink started;
 // 1 from the moment a think thread has played its move and goes on to
 // ponder, until the thread ends.
 std::atomic<int> pondering{0};
+
+// Whether the last runThink answered from the book; read on the same thread.
+bool lastThinkFromBook = false;
 
 // The score half of a result word as the resign test and the book delay
 // read it: the word divided by 65536, truncated toward zero, in 16 bits. For
@@ -174,6 +179,8 @@ void thinkThread(void* resultSlot) {
             board::formatCoordinateMove(board::moveHalf(packed), text);
             std::printf("bestmove %s\n", text);
         } else {
+            // Before the move is made: the play's ply is the game's next.
+            if (lastThinkFromBook) noteBookPlay(game, book::lastBookMove());
             playAndPrint(game, packed);
         }
         std::fflush(stdout);
@@ -199,6 +206,7 @@ int runThink(board::Game& game, int uciOutput) {
     request.uciOutput = uciOutput != 0;
     request.logText = logText;
     const search::ThinkResult result = search::think(request);
+    lastThinkFromBook = result.fromBook;
     keepPrincipalLine(game, result.depth);
     return int(board::withScore(game.legalMoves[0], result.score));
 }

@@ -255,7 +255,7 @@ ThinkResult think(const ThinkRequest& request) {
 
     if (request.game != nullptr && book::useBook.load(std::memory_order_relaxed) &&
         book::bookProbe(*request.game, moves))
-        return {answerFromBook(request.side, moves, position, request.uciOutput), request.depthLimit};
+        return {answerFromBook(request.side, moves, position, request.uciOutput), request.depthLimit, true};
 
     iter.phaseClass = eval::setupEvaluation(position);
     startClock(request.softLimit, request.hardLimit);

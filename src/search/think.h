@@ -69,6 +69,7 @@ struct ThinkRequest {
 struct ThinkResult {
     int score;  // bestScore, NoScoreYet if nothing finished, or BookMoveScore
     int depth;  // the last iteration with a result, 1 if none had one
+    bool fromBook = false;  // the move is the book's, unsearched
 };
 
 // One think. The best move stands first in the request's list afterwards.

@@ -5,7 +5,7 @@ ASAN_BUILD ?= build-asan
 TSAN_BUILD ?= build-tsan
 JOBS ?= 2
 
-.PHONY: all build play test test-asan test-tsan bench perft match lines deps clean
+.PHONY: all build play test test-asan test-tsan bench perft match match-book lines deps clean
 
 all: build
 
@@ -51,6 +51,12 @@ perft: build
 # 10 games at 10+0.1 against fairymax through xboard: 5 as xboard engine, 5 as UCI.
 match: build
 	@scripts/match.sh $(BUILD)
+
+# 10 games from the initial position, opened by the engine's own book, against fairymax.
+match-book: build
+	@scripts/install-match-deps.sh
+	@$(BUILD)/match --book --opponent fairymax --games 10 --tc 10+0.1 --pgn $(BUILD)/match-book.pgn \
+		--debug-log $(BUILD)/match-book.log | tee $(BUILD)/match-book.txt
 
 # Lines of code and of tests, and their ratio.
 lines:

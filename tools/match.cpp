@@ -1,13 +1,14 @@
 // match --opponent 'CMD' [--opponent-uci] [--as-uci] --games N --tc SECONDS+INC --pgn OUT
-//       [--engine PATH] [--openings FILE] [--debug-log FILE] [--display :N]
+//       [--engine PATH] [--openings FILE | --book] [--debug-log FILE] [--display :N]
 // Plays games between the engine and an opponent through a real xboard on a
 // private virtual display, one xboard run per game so that a hung or broken
 // game can't take the rest of the match with it. Colours alternate and each
-// opening is played once with each colour. The report lists every game,
-// the score, the Elo difference with its 95% error bar and every abnormal
-// ending, and closes with "Score: W-D-L" from the engine's side. Exit code 0
-// when the match was played, whatever the score; 1 when it couldn't be, with
-// the reason; 2 for a bad command line.
+// opening is played once with each colour; with --book every game starts
+// from the initial position and the engine's own book opens it. The report
+// lists every game, the score, the Elo difference with its 95% error bar and
+// every abnormal ending, and closes with "Score: W-D-L" from the engine's
+// side. Exit code 0 when the match was played, whatever the score; 1 when it
+// couldn't be, with the reason; 2 for a bad command line.
 
 #include <signal.h>
 #include <stdlib.h>
@@ -15,6 +16,7 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -35,6 +37,8 @@ namespace {
 constexpr int AssumedMovesPerSide = 150;
 constexpr double WatchdogMarginSeconds = 30;
 constexpr std::size_t ConsoleTailBytes = 600;
+// Games that agree this far are counted as one opening.
+constexpr std::size_t OpeningPlies = 6;
 
 bool readFile(const std::string& path, std::string& text) {
     text.clear();
@@ -110,6 +114,7 @@ struct GameReport {
     std::string termination;
     std::vector<Finding> findings;
     std::vector<std::string> complaints;
+    std::string opening;  // the first OpeningPlies moves as played
     std::string pgnText;
     std::string debugText;
     std::string consoleText;
@@ -163,7 +168,7 @@ std::vector<std::string> xboardArguments(const MatchSetup& setup, const Player& 
     if (!opening.fen.empty()) {
         writeFile(prefix + "-opening.fen", opening.fen + "\n");
         args.insert(args.end(), {"-lpf", prefix + "-opening.fen", "-lpi", "1"});
-    } else {
+    } else if (!opening.moves.empty()) {
         writeFile(prefix + "-opening.pgn", openingPgn(opening));
         args.insert(args.end(), {"-lgf", prefix + "-opening.pgn", "-lgi", "1"});
     }
@@ -247,6 +252,7 @@ GameReport playGame(const MatchSetup& setup, int index) {
         report.played = true;
         report.result = game.result;
         report.termination = game.termination;
+        report.opening = openingOf(game, OpeningPlies);
         // The saved names are the truth about colours, should xboard ever swap them.
         if (game.white == setup.engine.label && game.black != setup.engine.label) report.engineWhite = true;
         if (game.black == setup.engine.label && game.white != setup.engine.label) report.engineWhite = false;
@@ -304,7 +310,9 @@ bool prepare(MatchSetup& setup, std::string& error) {
     setup.opponent = {baseName(opponentProgram), o.opponent, o.opponentUci};
     if (setup.opponent.label == setup.engine.label) setup.opponent.label += "-2";
 
-    if (o.openingsFile.empty()) {
+    if (o.engineBook) {
+        setup.openings = {Opening()};  // the initial position: the engines' own books choose
+    } else if (o.openingsFile.empty()) {
         setup.openings = builtInOpenings();
     } else {
         std::string text;
@@ -342,8 +350,10 @@ bool prepare(MatchSetup& setup, std::string& error) {
 
 void printGame(int number, int total, const MatchSetup& setup, const GameReport& report) {
     const Opening& opening = setup.openings[((number - 1) / 2) % setup.openings.size()];
+    const std::string openingText =
+        setup.options.engineBook ? "as played " + report.opening : describeOpening(opening);
     std::printf("Game %d/%d: %s %s, opening %s: %s", number, total, setup.engine.label.c_str(),
-                report.engineWhite ? "white" : "black", describeOpening(opening).c_str(), report.result.c_str());
+                report.engineWhite ? "white" : "black", openingText.c_str(), report.result.c_str());
     if (!report.termination.empty()) std::printf(" {%s}", report.termination.c_str());
     std::printf("\n");
     for (const Finding& f : report.findings) std::printf("  %s: %s\n", anomalyName(f.kind), f.detail.c_str());
@@ -381,6 +391,7 @@ int runMatch(MatchSetup& setup) {
     Tally tally;
     std::vector<NumberedFinding> abnormal;
     std::vector<std::string> complaints;
+    std::set<std::string> openingsPlayed;
     int played = 0;
     bool stopped = false;
     std::string failure;
@@ -394,6 +405,7 @@ int runMatch(MatchSetup& setup) {
         if (report.played) {
             played++;
             addResult(tally, report.result, report.engineWhite);
+            openingsPlayed.insert(report.opening);
             writeFile(o.pgnFile, renumberRound(report.pgnText, g + 1), "ab");
         } else {
             tally.unfinished++;
@@ -417,6 +429,9 @@ int runMatch(MatchSetup& setup) {
                 tally.draws, tally.losses, tally.unfinished, tally.points(), tally.games(),
                 tally.games() ? 100.0 * tally.points() / tally.games() : 0.0);
     std::printf("%s\n", formatElo(tally).c_str());
+    if (o.engineBook)
+        std::printf("Distinct openings (first %zu plies): %zu in %d games\n", OpeningPlies, openingsPlayed.size(),
+                    played);
     if (abnormal.empty()) std::printf("Abnormal endings: none\n");
     else std::printf("Abnormal endings: %zu\n", abnormal.size());
     for (const NumberedFinding& n : abnormal)

@@ -74,12 +74,13 @@ TEST(MatchPgn, ReadsPlayersResultsAndTheClosingComment) {
     EXPECT_EQ(games[0].result, "0-1");
     EXPECT_EQ(games[0].termination, "Black wins on time");
     // The side line, its glyph and the move numbers aren't moves.
-    EXPECT_EQ(games[0].plies, 12);
+    EXPECT_EQ(games[0].moves.size(), 12u);
+    EXPECT_EQ(openingOf(games[0], 6), "e4 e5 Nf3 Nc6 Bb5 a6");
     // Cut off before its result token: the tag stands, and a move's own
     // comment is no closing comment.
     EXPECT_EQ(games[1].white, "fairymax");
     EXPECT_EQ(games[1].result, "1/2-1/2");
-    EXPECT_EQ(games[1].plies, 3);
+    EXPECT_EQ(openingOf(games[1], 6), "d4 d5 c4");
     EXPECT_EQ(games[1].termination, "");
 }
 

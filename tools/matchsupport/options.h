@@ -26,6 +26,7 @@ struct Options {
     std::string pgnFile;
     std::string enginePath;
     std::string openingsFile;
+    bool engineBook = false;  // games start from the initial position; the engine's book opens them
     std::string debugLog;
     std::string display;  // an X display to use instead of a private Xvfb
     bool keepWorkDirectory = false;
@@ -33,7 +34,7 @@ struct Options {
 
 constexpr const char* Usage =
     "usage: match --opponent 'CMD' [--opponent-uci] [--as-uci] --games N --tc SECONDS+INC --pgn OUT\n"
-    "             [--engine PATH] [--openings FILE] [--debug-log FILE] [--display :N] [--keep-workdir]\n"
+    "             [--engine PATH] [--openings FILE | --book] [--debug-log FILE] [--display :N] [--keep-workdir]\n"
     "Plays N games between the engine (default: morvane beside this program) and the opponent\n"
     "through xboard on a private virtual display, alternating colours over a list of openings.\n"
     "--opponent CMD      opponent command line, run by /bin/sh (e.g. 'fairymax')\n"
@@ -41,6 +42,8 @@ constexpr const char* Usage =
     "--as-uci            the engine is run as a UCI engine through polyglot\n"
     "--tc SECONDS+INC    base time in whole seconds and increment, e.g. 10+0.1\n"
     "--openings FILE     one opening a line: a FEN or moves (\"1. e4 e5 2. Nf3\"); # comments\n"
+    "--book              no imposed openings: every game starts from the initial position and the\n"
+    "                    engine's own book opens it; the report counts the distinct openings\n"
     "--debug-log FILE    xboard's debug log of every game, with all engine traffic\n"
     "--display :N        use this X display instead of starting Xvfb\n"
     "--keep-workdir      keep the per-game files (printed at the end) for inspection\n";
@@ -107,6 +110,8 @@ inline bool parseOptions(int argc, char** argv, Options& options, std::string& e
             if (!value(options.enginePath)) return false;
         } else if (arg == "--openings") {
             if (!value(options.openingsFile)) return false;
+        } else if (arg == "--book") {
+            options.engineBook = true;
         } else if (arg == "--debug-log") {
             if (!value(options.debugLog)) return false;
         } else if (arg == "--display") {
@@ -122,6 +127,7 @@ inline bool parseOptions(int argc, char** argv, Options& options, std::string& e
     else if (options.games == 0) error = "--games is required";
     else if (!options.timeControlGiven) error = "--tc is required";
     else if (options.pgnFile.empty()) error = "--pgn is required";
+    else if (options.engineBook && !options.openingsFile.empty()) error = "--book and --openings exclude each other";
     return error.empty();
 }
 

@@ -15,7 +15,7 @@ struct PgnGame {
     std::string black;
     std::string result;       // "1-0", "0-1", "1/2-1/2" or "*"
     std::string termination;  // the last comment before the result, without braces
-    int plies = 0;
+    std::vector<std::string> moves;  // as the movetext writes them, side lines left out
 };
 
 // A result token of the movetext, which also closes the game.
@@ -68,7 +68,7 @@ inline std::vector<PgnGame> parsePgnGames(std::string_view text) {
             std::string name, value;
             if (parseTagLine(text.substr(i, end - i), name, value)) {
                 // Tags after moves start the next game: the previous one lost its result.
-                if (open && current.plies > 0) {
+                if (open && !current.moves.empty()) {
                     lastComment.clear();
                     finish(tagResult.empty() ? "*" : tagResult);
                 }
@@ -119,7 +119,7 @@ inline std::vector<PgnGame> parsePgnGames(std::string_view text) {
                 token = rest;
             }
             if (token.front() == '$') continue;
-            current.plies++;
+            current.moves.emplace_back(token);
             lastComment.clear();
             open = true;
         }
@@ -130,6 +130,14 @@ inline std::vector<PgnGame> parsePgnGames(std::string_view text) {
         finish(tagResult.empty() ? "*" : tagResult);
     }
     return games;
+}
+
+// The first `plies` moves of a game, divided by blanks: what tells one
+// opening from another.
+inline std::string openingOf(const PgnGame& game, std::size_t plies) {
+    std::string text;
+    for (std::size_t i = 0; i < plies && i < game.moves.size(); i++) text += (i ? " " : "") + game.moves[i];
+    return text;
 }
 
 }  // namespace matchsupport

@@ -1,7 +1,7 @@
 // Game files and position lists read into the game: which tokens of a row
 // are played, set-up lines, what stops a load, and lists that can't be
-// placed, which must leave the game in play as it was; then "PARTIE " and
-// the batch runs of -f and -p through the binary.
+// placed, which must leave the game in play as it was; "PARTIE " through
+// the binary.
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,6 @@
 
 #include <cstdio>
 #include <fstream>
-#include <regex>
 #include <string>
 
 #include "board/fen.h"
@@ -69,20 +68,19 @@ TEST_F(GameFiles, SetUpLinesAndWhatStopsALoad) {
     // A set-up replaces the position wherever it stands; PGN quotes are fine.
     EXPECT_EQ(loadGame("e2e4\n[FEN:\"4k3/8/8/8/8/8/8/4K2R b K - 0 1\"]\ne8d7 h1h7\n"), 0);
     EXPECT_EQ(boardKey(), "8/3k3R/8/8/8/8/8/4K3/ b - -");
+    EXPECT_EQ(loadGame("f2f3 e7e5 g2g4 d8h4 a2a3\n"), board::ResultMate);
     // An illegal move ends the whole load; what came before stands.
     EXPECT_LT(loadGame("e2e4 e7e5\ng1f3 e5e3 b8c6\nd2d4\n"), 0);
     EXPECT_EQ(game.historyCursor, 2);
     EXPECT_EQ(loadGame("e2e4\n[FEN 8/8/8 w - -]\nd7d5\n"), -10);  // no kings: refused
-    EXPECT_EQ(boardKey(), "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR/ b KQkq -");
-    EXPECT_EQ(loadGame("f2f3 e7e5 g2g4 d8h4 a2a3\n"), board::ResultMate);
-}
-
-TEST_F(GameFiles, AFileThatCantBeReadLeavesTheGameAlone) {
-    for (const std::string& path : {std::string("/no/such/game"), std::string(""), testing::TempDir()}) {
+    const std::string afterE4 = "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR/ b KQkq -";
+    EXPECT_EQ(boardKey(), afterE4);
+    // A file that can't be read, a directory too, leaves the game alone.
+    for (const std::string& path : {std::string("/no/such/game"), testing::TempDir()}) {
         EXPECT_EQ(frontend::loadGameFile(game, path.c_str()), -10) << path;
         EXPECT_EQ(frontend::loadPositionFile(game, path.c_str()), -1) << path;
-        EXPECT_EQ(boardKey(), "r1bqkbnr/pppp1ppp/2n5/4p3/4P3/5N2/PPPP1PPP/RNBQKB1R/ w KQkq -");
     }
+    EXPECT_EQ(boardKey(), afterE4);
 }
 
 TEST_F(GameFiles, PositionListsPlaceByFrenchLettersAndGiveTheMoveAway) {
@@ -102,29 +100,11 @@ TEST_F(GameFiles, PositionListsPlaceByFrenchLettersAndGiveTheMoveAway) {
     }
 }
 
-TEST(GameFileTranscript, PartieIsSilentAndBatchRunsThinkOnceOrSayFichier) {
-    const std::string game = testing::TempDir() + "Morvane-Game-" + std::to_string(getpid()) + ".txt";
-    std::ofstream(game) << "1. e2e4 e7e5\n";
+TEST(GameFileTranscript, PartieLoadsTheFileItNamesSilently) {
+    const std::string path = testing::TempDir() + "Morvane-Game-" + std::to_string(getpid()) + ".txt";
+    std::ofstream(path) << "1. e2e4 e7e5\n";
     const std::string afterE4E5 = "TCFDRFCT\nPPPP.PPP\n........\n....P...\n....p...\n........\npppp.ppp\ntcfdrfct\n";
-    EXPECT_EQ(testing_support::transcript("partie " + game + "\nprint\nforce\nPARTIE /no/such/game\nprint\n"),
+    EXPECT_EQ(testing_support::transcript("partie " + path + "\nprint\nforce\nPARTIE /no/such/game\nprint\n"),
               afterE4E5 + afterE4E5);
-
-    const auto thinkingOnly = [](const testing_support::EngineRun& run) {
-        static const std::regex line("( *[0-9]+ +-?[0-9]+ +[0-9]+ +[0-9]+\t?[^\n]*\n)+");
-        return run.exitCode == 0 && std::regex_match(run.out, line);
-    };
-    EXPECT_TRUE(thinkingOnly(testing_support::runEngine("", {"-f" + game, "-t1"})));
-    std::ofstream(game) << "b\nre1\npe2\nn\nre8\n";
-    EXPECT_TRUE(thinkingOnly(testing_support::runEngine("", {"-p" + game, "-t1"})));
-    std::ofstream(game) << "f2f3 e7e5 g2g4 d8h4\n";  // a mate: nothing to think about
-    auto run = testing_support::runEngine("", {"-f" + game});
-    EXPECT_EQ(run.exitCode, 0);
-    EXPECT_EQ(run.out, "");
-    for (const std::string& bad : {"-f" + game, "-p" + game}) {
-        std::ofstream(game) << "e2e4 e7e5 e1e3\nb\nre1\n";  // an illegal move; no black king
-        run = testing_support::runEngine("", {bad, "-t1"});
-        EXPECT_EQ(run.out, "fichier??\n") << bad;
-        EXPECT_EQ(run.exitCode, 1) << bad;
-    }
-    std::remove(game.c_str());
+    std::remove(path.c_str());
 }

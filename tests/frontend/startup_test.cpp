@@ -1,8 +1,9 @@
 // Start-up as a user meets it: a copy of the engine in a directory of its
-// own, with its own morvane.cfg, switches and log.
+// own, with its own morvane.cfg and switches, and the batch runs of -f and -p.
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <regex>
 #include <string>
 
@@ -43,11 +44,6 @@ TEST(StartupTranscript, BadSwitchesAndBadConfigurationLines) {
     auto run = box.run("quit\n", {"-t0"});
     EXPECT_EQ(run.out, "temps??\n");
     EXPECT_EQ(run.exitCode, 0);
-    for (const char* argument : {"-f/no/such/game", "-p/no/such/list"}) {
-        run = box.run("quit\n", {argument});
-        EXPECT_EQ(run.out, "fichier??\n") << argument;
-        EXPECT_EQ(run.exitCode, 1) << argument;
-    }
     // Overlong lines (whose tails are no settings), numbers past any range,
     // NUL bytes, bare keys: nothing may crash start-up.
     std::string config = std::string(126, ';') + "HASHTABLE=21\n" + std::string(5000, 'A') + "HASHTABLE=21\n";
@@ -59,18 +55,25 @@ TEST(StartupTranscript, BadSwitchesAndBadConfigurationLines) {
     EXPECT_NE(run.err.find(SmallestTables), std::string::npos) << run.err;
 }
 
-TEST(StartupTranscript, LogFileRecordsGamesBesideTheProgram) {
+// A batch run thinks once, prints only its thinking lines and exits;
+// a file that can't be played says so.
+TEST(StartupTranscript, BatchRunsOfGameFilesAndPositionLists) {
     EngineSandbox box;
-    box.run("new\nforce\ne2e4\nquit\n");
-    EXPECT_EQ(box.readFile("morvane.log"), "");  // no LOGFILE, no log
-    box.writeConfig("LOGFILE=1\n");
-    const std::string game = "new\nforce\ne2e4\ne7e5\ng1f3\nb8c6\nresult 1-0 {White mates}\nquit\n";
-    EXPECT_EQ(box.run(game).exitCode, 0);
-    EXPECT_EQ(box.run(game).exitCode, 0);  // appended, not replaced
-    const std::string oneGame =
-        "\\[Event \"Computer chess game\"\\]\n\\[Date \"[0-9]{4}\\.[0-9]{2}\\.[0-9]{2}\"\\]\n"
-        "1\\.   e4 \\(\\{\\}\\)\n1\\.\\.\\. e5 \\(\\{\\}\\)\n2\\.   Nf3 \\(\\{\\}\\)\n2\\.\\.\\. Nc6 \\(\\{\\}\\)\n"
-        "1-0 \\{WHITE MATES\\}\n";
-    const std::string log = box.readFile("morvane.log");
-    EXPECT_TRUE(std::regex_match(log, std::regex(oneGame + oneGame))) << log;
+    const std::string file = box.directory() + "/batch.txt";
+    const auto batch = [&](const char* text, const std::string& option) {
+        std::ofstream(file) << text;
+        return box.run("", {option + file, "-t1"});
+    };
+    static const std::regex thinking("( *[0-9]+ +-?[0-9]+ +[0-9]+ +[0-9]+\t[^\n]*\n)+");
+    for (const auto& [text, option] : {std::pair{"1. e2e4 e7e5\n", "-f"}, {"b\nre1\npe2\nn\nre8\n", "-p"}}) {
+        const auto run = batch(text, option);
+        EXPECT_EQ(run.exitCode, 0) << option;
+        EXPECT_TRUE(std::regex_match(run.out, thinking)) << run.out;
+    }
+    EXPECT_EQ(batch("f2f3 e7e5 g2g4 d8h4\n", "-f").out, "");  // the game is over: no think
+    for (const char* option : {"-f", "-p"}) {
+        const auto run = batch("e2e4 e7e5 e1e3\nb\nre1\n", option);  // an illegal move; no black king
+        EXPECT_EQ(run.out, "fichier??\n") << option;
+        EXPECT_EQ(run.exitCode, 1) << option;
+    }
 }

@@ -34,7 +34,7 @@ test:
 test-asan:
 	@cmake -S . -B $(ASAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DMORVANE_SANITIZE=address >/dev/null
 	@cmake --build $(ASAN_BUILD) -j$(JOBS) --target morvane_tests
-	@$(ASAN_BUILD)/morvane_tests --gtest_brief=1 --gtest_filter='*Fuzz*:*Transcript*:Fen*:EditPosition*:MakeUnmake*:SearchNodeTest*:TbCache*:TbRegistry*:TbProbe*:TbIndexCases*:TbDecode*:TbHeader*:TbCodeTables*:TbCompressRoundTrip*:TbgenRules*:TbgenMaterial*'
+	@$(ASAN_BUILD)/morvane_tests --gtest_brief=1 --gtest_filter='*Fuzz*:*Transcript*:GameFiles*:Fen*:EditPosition*:MakeUnmake*:SearchNodeTest*:TbCache*:TbRegistry*:TbProbe*:TbIndexCases*:TbDecode*:TbHeader*:TbCodeTables*:TbCompressRoundTrip*:TbgenRules*:TbgenMaterial*'
 
 # The think thread against random commands, under ThreadSanitizer.
 test-tsan:

@@ -128,6 +128,7 @@ int readTextLine(std::FILE* file, char* line, int length) {
     return 1;
 }
 
+// The blank, tab or end of text behind the token at `text`.
 char* tokenEnd(char* text) {
     while (*text != '\0' && !platform::isBlank(*text)) ++text;
     return text;
